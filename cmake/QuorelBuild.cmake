@@ -31,10 +31,11 @@ function(quorel_library name)
   quorel_settings(quorel_${name})
 endfunction()
 
-# quorel_test(NAME FOLDER dir DEPENDS targets... [PROPERTIES ctest properties...])
-# The test program test_NAME of all sources in tests/dir, run case by case by ctest.
+# quorel_test(NAME FOLDER dir DEPENDS targets... [THREADED] [PROPERTIES ctest properties...])
+# The test program test_NAME of all sources in tests/dir, run case by case by ctest. THREADED ones
+# run under ThreadSanitizer too: they bear the label "threads" and belong to `threaded_tests`.
 function(quorel_test name)
-  cmake_parse_arguments(ARG "" "FOLDER" "DEPENDS;PROPERTIES" ${ARGN})
+  cmake_parse_arguments(ARG "THREADED" "FOLDER" "DEPENDS;PROPERTIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${ARG_FOLDER}/*.cpp")
   if(NOT sources)
     return()
@@ -43,6 +44,10 @@ function(quorel_test name)
   target_include_directories(test_${name} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(test_${name} PRIVATE ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
   quorel_settings(test_${name})
+  if(ARG_THREADED)
+    list(APPEND ARG_PROPERTIES LABELS threads)
+    add_dependencies(threaded_tests test_${name})
+  endif()
   gtest_discover_tests(test_${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}."
                        PROPERTIES TIMEOUT 120 ${ARG_PROPERTIES})
 endfunction()

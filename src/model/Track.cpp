@@ -1,0 +1,74 @@
+#include "model/Track.h"
+
+#include "model/Path.h"
+
+namespace quorel {
+
+namespace {
+
+/// The last component of the path without its extension; a dot that begins a name begins none.
+QStringView baseName(QStringView path) {
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    const QStringView name = path.sliced(path.lastIndexOf(u'/') + 1);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.first(dot) : name;
+}
+
+/// The name without a leading track number, that is without what ^\s*\d+[\s.\-_]+ matches; the
+/// whole name where nothing else would be left. Digits and spaces are those of any script.
+QStringView withoutTrackNumber(QStringView name) {
+    const auto skip = [name](qsizetype from, auto matches) {
+        while (from < name.size() && matches(name[from]))
+            ++from;
+        return from;
+    };
+    const qsizetype digits = skip(0, [](QChar c) { return c.isSpace(); });
+    const qsizetype separators = skip(digits, [](QChar c) { return c.isDigit(); });
+    const qsizetype rest = skip(separators, [](QChar c) {
+        return c.isSpace() || c == u'.' || c == u'-' || c == u'_';
+    });
+    const bool numbered = separators > digits && rest > separators && rest < name.size();
+    return numbered ? name.sliced(rest) : name;
+}
+
+/// Without spaces and tabs at both ends; other white space belongs to the text.
+QStringView trimmedOfBlanks(QStringView text) {
+    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    while (!text.isEmpty() && isBlank(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isBlank(text.back()))
+        text.chop(1);
+    return text;
+}
+
+} // namespace
+
+Track Track::fromPath(const QString& path) {
+    Track track;
+    track.id = QUuid::createUuid();
+    track.path = path;
+    Name name = parse(path);
+    track.artist = std::move(name.artist);
+    track.title = std::move(name.title);
+    return track;
+}
+
+Track::Name Track::parse(const QString& path) {
+    constexpr QStringView kSeparator = u" - ";
+    const QString readable = pathForDisplay(path);
+    const QStringView name = withoutTrackNumber(baseName(readable));
+    if (const qsizetype at = name.indexOf(kSeparator); at >= 0) {
+        const QStringView artist = trimmedOfBlanks(name.first(at));
+        const QStringView title = trimmedOfBlanks(name.sliced(at + kSeparator.size()));
+        if (!artist.isEmpty() && !title.isEmpty())
+            return {artist.toString(), title.toString()};
+    }
+    return {QString(), trimmedOfBlanks(name).toString()};
+}
+
+Playlist Playlist::named(const QString& name) {
+    return {QUuid::createUuid(), name, {}};
+}
+
+} // namespace quorel

@@ -1,0 +1,237 @@
+#include "EngineFixture.h"
+
+namespace quorel::test {
+namespace {
+
+class Fade : public EngineTest {
+  protected:
+    /// A constant signal, so that what is rendered is the gain itself.
+    std::shared_ptr<AudioFile> constant(double seconds) {
+        return stereo(Samples(static_cast<std::size_t>(2 * seconds * kRate), 0.5F));
+    }
+    float gain(int64_t frame) const { return left(frame) / atRest(0.5F); }
+    /// Gain of the sample rendered last.
+    float gainNow() const { return out.at(out.size() - 2) / atRest(0.5F); }
+};
+INSTANTIATE_TEST_SUITE_P(OutputLatency, Fade, testing::Values(0, 9600));
+
+TEST_P(Fade, inIsLinearToTheFrameAndStepsThePublishedLevel) {
+    struct Case {
+        int ms;
+        int64_t frames; // whole steps of 20 ms, at least one
+    };
+    for (const auto& [ms, frames] : {Case{0, 0}, {1, 960}, {19, 960}, {20, 960}, {250, 11520}}) {
+        out.clear();
+        ASSERT_TRUE(load(track(constant(2)), ms));
+        EXPECT_TRUE(engine.isPlaying());
+        EXPECT_EQ(engine.fadeLevel(), ms == 0 ? 1.0F : 0.0F);
+        render(1.0);
+        const int64_t start = -latencyOfChain; // the fade is behind the chain
+        for (const int64_t frame : {int64_t{0}, frames / 3, frames - latencyOfChain - 1, frames}) {
+            const double want = frames == 0 ? 1.0
+                                            : std::min(1.0, static_cast<double>(frame - start + 1) /
+                                                                static_cast<double>(frames));
+            EXPECT_NEAR(gain(std::max<int64_t>(frame, 0)), frame < 0 ? gain(0) : want, 2e-4)
+                << ms << " ms, frame " << frame;
+        }
+        EXPECT_EQ(engine.fadeLevel(), 1.0F) << ms;
+        engine.stop(0);
+        render(1.0);
+    }
+}
+
+TEST_P(Fade, pauseDuringAFadeInStartsFromTheLevelReached) {
+    ASSERT_TRUE(load(track(constant(10)), 400));
+    render(0.2);
+    EXPECT_NEAR(engine.fadeLevel(), 0.5F, 1e-3F);
+    const float reached = gainNow();
+    engine.pause(200);
+    EXPECT_TRUE(engine.isPlaying());
+    render(0.1);
+    EXPECT_NEAR(engine.fadeLevel(), 0.25F, 1e-3F);
+    EXPECT_NEAR(gainNow(), reached / 2, 1e-3);
+    render(0.1);
+    EXPECT_FALSE(engine.isPlaying());
+    EXPECT_EQ(engine.fadeLevel(), 0.0F);
+    EXPECT_EQ(gainNow(), 0.0F);
+}
+
+TEST_P(Fade, pauseTakesExactlyTheFramesOfItsFade) {
+    ASSERT_TRUE(load(track(stereo(ramp(480000)))));
+    render(0.5);
+    engine.pause(300);
+    render(1.0);
+    EXPECT_FALSE(engine.isPlaying());
+    const int64_t resumed = offline.position();
+    engine.resume(0);
+    EXPECT_EQ(engine.fadeLevel(), 1.0F);
+    render(0.5);
+    // 0.5 s and the 0.3 s of the fade had been taken; 20 ms soften the start inside the music.
+    EXPECT_EQ(wrongFrames(resumed + 960, 10000, 38400 + 960), 0);
+}
+
+TEST_P(Fade, playTurnsAPauseFadeRound) {
+    for (const bool byResume : {true, false}) {
+        ASSERT_TRUE(load(track(constant(10))));
+        render(0.5);
+        engine.pause(400);
+        render(0.2);
+        const float reached = gainNow();
+        EXPECT_NEAR(reached, 0.5F, 0.01F);
+        byResume ? engine.resume(200) : engine.play(200);
+        EXPECT_NEAR(engine.fadeLevel(), 0.5F, 0.01F);
+        renderFrames(480);
+        EXPECT_GE(gainNow(), reached);
+        render(1.0);
+        EXPECT_TRUE(engine.isPlaying());
+        EXPECT_NEAR(gainNow(), 1.0F, 1e-5F);
+    }
+}
+
+TEST_P(Fade, transportWithoutAFadeLeavesNoFadeBehind) {
+    ASSERT_TRUE(load(track(constant(10)), 1000));
+    render(0.3);
+    engine.pause(0);
+    EXPECT_FALSE(engine.isPlaying());
+    const float level = engine.fadeLevel();
+    render(1.0);
+    EXPECT_EQ(engine.fadeLevel(), level);
+    EXPECT_EQ(gainNow(), 0.0F);
+    engine.pause(500); // nothing plays: nothing happens
+    engine.play(0);
+    render(1.0);
+    EXPECT_EQ(engine.fadeLevel(), 1.0F);
+    EXPECT_NEAR(gainNow(), 1.0F, 1e-5F);
+}
+
+TEST_P(Fade, stopFadesOnlyWhatIsHeard) {
+    ASSERT_TRUE(load(track(constant(10))));
+    render(0.5);
+    engine.stop(500);
+    EXPECT_TRUE(engine.isLoaded());
+    render(0.5);
+    EXPECT_FALSE(engine.isLoaded());
+    ASSERT_TRUE(load(track(constant(10))));
+    render(0.5);
+    engine.pause(0);
+    engine.stop(500);
+    EXPECT_FALSE(engine.isLoaded()) << "paused: nothing to fade";
+}
+
+TEST_P(Fade, theEndOfTheTrackWaitsForAPauseAndIsForgottenByAStop) {
+    ASSERT_TRUE(load(track(constant(1))));
+    render(0.9);
+    engine.pause(400);
+    render(2.0);
+    EXPECT_TRUE(ended.empty());
+    engine.resume(0);
+    render(1.0);
+    EXPECT_EQ(ended.size(), 1U);
+
+    ASSERT_TRUE(load(track(constant(1))));
+    ASSERT_TRUE(engine.preloadNext(track(constant(1))));
+    render(0.9);
+    engine.stop(400);
+    render(2.0);
+    EXPECT_EQ(ended.size(), 1U);
+    EXPECT_TRUE(promoted.empty());
+}
+
+TEST_P(Fade, aLoadCancelsAStopFade) {
+    ASSERT_TRUE(load(track(constant(10))));
+    render(0.5);
+    engine.stop(400);
+    render(0.1);
+    ASSERT_TRUE(load(track(constant(10))));
+    render(1.0);
+    EXPECT_TRUE(engine.isLoaded());
+    EXPECT_NEAR(gainNow(), 1.0F, 1e-5F);
+}
+
+TEST_P(Fade, normalisationRampsAndEndsBypassed) {
+    TrackToPlay loud = track(constant(20));
+    loud.normGain = 0.5;
+    ASSERT_TRUE(load(loud));
+    EXPECT_NEAR(engine.normUnitDb(), -6.0206, 1e-3);
+    EXPECT_FALSE(engine.normBypassed());
+    renderFrames(latencyOfChain + 10);
+    EXPECT_NEAR(gain(0), 0.5, 1e-4) << "from the first frame";
+    struct Case {
+        double gain;
+        float db;
+        bool bypassed;
+    };
+    for (const auto& [to, db, bypassed] : {Case{0.25, -12.0412F, false}, Case{1.0, 0, true},
+                                           Case{100, 24, false}, Case{1e-5, -96, false},
+                                           Case{0, 0, true}, Case{-1, 0, true}}) {
+        engine.setNormGain(to, false);
+        render(0.1);
+        EXPECT_FALSE(engine.normBypassed()) << "under way";
+        render(0.3);
+        EXPECT_NEAR(engine.normUnitDb(), db, 1e-3F) << to;
+        EXPECT_EQ(engine.normBypassed(), bypassed) << to;
+    }
+    EXPECT_NEAR(gainNow(), 1.0, 1e-5);
+}
+
+TEST_P(Fade, equaliserRampsInEightStepsAndTheLaterRequestWins) {
+    ASSERT_TRUE(load(track(constant(20))));
+    render(0.1);
+    engine.setEQGain(5, 8);
+    engine.setEQGain(10, 8);
+    EXPECT_EQ(engine.eqBandGains()[5], 0.0F) << "off: only stored";
+    engine.setEqEnabled(true);
+    EXPECT_FALSE(engine.eqBypassed());
+    render(0.060);
+    EXPECT_NEAR(engine.eqBandGains()[5], 4.0F, 1e-4F);
+    engine.setEqEnabled(false);
+    render(0.030);
+    EXPECT_NEAR(engine.eqBandGains()[5], 3.0F, 1e-4F);
+    engine.setEqEnabled(true);
+    render(1.0);
+    EXPECT_EQ(engine.eqBandGains()[5], 8.0F);
+    EXPECT_FALSE(engine.eqBypassed()) << "the ramp-down that was cut short must not bypass";
+    engine.setEqEnabled(false);
+    render(0.121);
+    EXPECT_TRUE(engine.eqBypassed());
+    render(0.1);
+    EXPECT_NEAR(gainNow(), 1.0, 1e-5);
+}
+
+TEST_P(Fade, toneCompensationFollowsTheVolume) {
+    ASSERT_TRUE(load(track(constant(20))));
+    engine.setLoudness(false, 0.5, LoudnessStrength::Strong);
+    EXPECT_TRUE(engine.loudBypassed());
+    struct Case {
+        double volume;
+        LoudnessStrength strength;
+        float low, high;
+        bool bypassed;
+    };
+    using enum LoudnessStrength;
+    for (const auto& [volume, strength, low, high, bypassed] :
+         {Case{0.5, Medium, 4, 1.75F, false}, Case{0, Strong, 12, 5, false},
+          Case{1, Gentle, 0, 0, true}, Case{0.9999, Strong, 0.0012F, 0.0005F, true},
+          Case{1.5, Medium, -4, -1.75F, false}}) {
+        engine.setLoudness(true, volume, strength);
+        render(0.3);
+        EXPECT_NEAR(engine.loudBandGains()[0], low, 1e-4F) << volume;
+        EXPECT_NEAR(engine.loudBandGains()[1], high, 1e-4F) << volume;
+        EXPECT_EQ(engine.loudBypassed(), bypassed) << volume;
+    }
+    engine.setLoudness(false, 0.5, Medium);
+    render(0.3);
+    EXPECT_TRUE(engine.loudBypassed());
+}
+
+TEST_P(Fade, volumeAndBalanceReachTheSound) {
+    ASSERT_TRUE(load(track(constant(20))));
+    engine.setVolume(0.25);
+    engine.setPan(0.5);
+    render(0.5);
+    EXPECT_NEAR(out[out.size() - 2] / atRest(0.5F), 0.125F, 1e-5F);
+    EXPECT_NEAR(out[out.size() - 1] / atRest(0.5F), 0.25F, 1e-5F);
+}
+
+} // namespace
+} // namespace quorel::test

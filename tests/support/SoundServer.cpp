@@ -1,0 +1,247 @@
+#include "support/SoundServer.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace quorel::test {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+namespace {
+
+bool isInstalled(const std::string& program) {
+    const char* path = std::getenv("PATH");
+    std::istringstream directories(path ? path : "/usr/bin");
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        if (access((directory + "/" + program).c_str(), X_OK) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void waitFor(const std::string& what, const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + 20s;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            throw std::runtime_error("waited in vain for " + what);
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+}
+
+} // namespace
+
+SoundServer::SoundServer(Kind kind) : kind_(kind) {
+    std::string pattern = (fs::temp_directory_path() / "quorel-sound-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) {
+        throw std::runtime_error("cannot make a temporary directory");
+    }
+    directory_ = pattern;
+    const std::string home = directory_ + "/home";
+    fs::create_directory(home);
+    const char* socket = kind == Kind::PulseAudio ? "/native" : "/pulse/native";
+    const std::map<const char*, std::string> environment{
+        {"HOME", home},
+        {"XDG_CONFIG_HOME", home},
+        {"XDG_STATE_HOME", home},
+        {"XDG_RUNTIME_DIR", directory_},
+        {"PIPEWIRE_RUNTIME_DIR", directory_},
+        {"PULSE_RUNTIME_PATH", directory_ + "/pulse"},
+        {"PULSE_STATE_PATH", home},
+        {"PULSE_COOKIE", directory_ + "/cookie"},
+        {"PULSE_SERVER", "unix:" + directory_ + socket},
+        {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + directory_ + "/bus"}};
+    for (const auto& [name, value] : environment) {
+        setenv(name, value.c_str(), 1);
+    }
+    unsetenv("DISPLAY");
+    unsetenv("PULSE_SINK");
+}
+
+SoundServer::~SoundServer() {
+    kill();
+    std::error_code ignored;
+    fs::remove_all(directory_, ignored);
+}
+
+std::string SoundServer::missingProgram(Kind kind) {
+    std::vector<std::string> needed{"setpriv", "pactl", "parec"};
+    if (kind == Kind::PulseAudio) {
+        needed.push_back("pulseaudio");
+    } else {
+        needed.insert(needed.end(), {"dbus-daemon", "pipewire", "wireplumber", "pipewire-pulse"});
+    }
+    const auto missing = std::ranges::find_if_not(needed, isInstalled);
+    return missing == needed.end() ? std::string() : *missing;
+}
+
+void SoundServer::start() {
+    const auto exists = [this](const char* name) { return fs::exists(directory_ + name); };
+    for (const char* stale : {"/bus", "/pipewire-0", "/native", "/pulse/native"}) {
+        fs::remove(directory_ + stale);
+    }
+    if (kind_ == Kind::PulseAudio) {
+        launch({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
+                "--realtime=no", "--high-priority=no", "--disable-shm=yes", "--log-level=error",
+                "--log-target=stderr", "-L",
+                "module-native-protocol-unix auth-anonymous=1 socket=" + directory_ + "/native"});
+    } else {
+        launch({"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                "--address=unix:path=" + directory_ + "/bus"});
+        waitFor("the message bus", [&] { return exists("/bus"); });
+        launch({"pipewire"});
+        waitFor("PipeWire", [&] { return exists("/pipewire-0"); });
+        launch({"wireplumber"});
+        launch({"pipewire-pulse"});
+    }
+    waitFor("the sound server", [this] { return !pactl({"info"}).empty(); });
+    for (auto& [name, sink] : sinks_) {
+        load(name, sink);
+    }
+}
+
+void SoundServer::kill() {
+    // The last one started is the one that clients are connected to.
+    while (!processes_.empty()) {
+        processes_.pop_back();
+    }
+}
+
+void SoundServer::freeze() {
+    for (const ChildProcess& process : processes_) {
+        process.signal(SIGSTOP);
+    }
+}
+
+void SoundServer::thaw() {
+    for (const ChildProcess& process : processes_) {
+        process.signal(SIGCONT);
+    }
+}
+
+void SoundServer::addSink(const std::string& name, int rate, int channels) {
+    Sink& sink = sinks_[name] = {rate, channels, {}};
+    if (!processes_.empty()) {
+        load(name, sink);
+    }
+}
+
+void SoundServer::load(const std::string& name, Sink& sink) {
+    std::vector<std::string> command{"load-module", "module-null-sink", "sink_name=" + name,
+                                     "rate=" + std::to_string(sink.rate),
+                                     "channels=" + std::to_string(sink.channels),
+                                     "format=float32le",
+                                     "sink_properties=device.description=The-" + name};
+    if (sink.channels == 6) {
+        command.emplace_back("channel_map=front-left,front-right,front-center,lfe,rear-left,"
+                             "rear-right");
+    }
+    if (kind_ == Kind::PulseAudio) {
+        // Without it a null sink renders 2 s at a time, which no device does.
+        command.emplace_back("norewinds=1");
+    }
+    waitFor("the sink " + name, [&] { return !(sink.module = pactl(command)).empty(); });
+    waitFor("the sink " + name, [&] {
+        return pactl({"list", "short", "sinks"}).find("\t" + name + "\t") != std::string::npos;
+    });
+}
+
+void SoundServer::removeSink(const std::string& name) {
+    pactl({"unload-module", sinks_.at(name).module});
+    sinks_.erase(name);
+}
+
+void SoundServer::setDefault(const std::string& name) {
+    waitFor("the default " + name, [&] {
+        pactl({"set-default-sink", name});
+        return pactl({"get-default-sink"}) == name;
+    });
+}
+
+void SoundServer::suspend(const std::string& name, bool suspended) {
+    pactl({"suspend-sink", name, suspended ? "1" : "0"});
+}
+
+std::string SoundServer::log(const std::string& program) const {
+    std::ifstream file(directory_ + "/" + program + ".log");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void SoundServer::launch(const std::vector<std::string>& command) {
+    processes_.emplace_back(command, directory_ + "/" + command[0] + ".log");
+}
+
+std::string SoundServer::pactl(const std::vector<std::string>& arguments) const {
+    const std::string answer = directory_ + "/answer";
+    const int output = open(answer.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    std::vector<std::string> command{"pactl"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const int status = ChildProcess(command, directory_ + "/pactl.log", output).wait();
+    close(output);
+    std::ifstream file(answer);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    while (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+    }
+    return status == 0 ? text : std::string();
+}
+
+Recorder::Recorder(const SoundServer& server, const std::string& sink, int rate, int channels) {
+    static_cast<void>(server); // it must be there
+    if (pipe2(pipe_, O_CLOEXEC) != 0) {
+        throw std::runtime_error("cannot make a pipe");
+    }
+    process_ = ChildProcess({"parec", "-d", sink + ".monitor", "--format=float32le", "--raw",
+                             "--rate=" + std::to_string(rate),
+                             "--channels=" + std::to_string(channels), "--latency-msec=20",
+                             "--no-remix", "--no-remap"},
+                            "/dev/null", pipe_[1]);
+    close(pipe_[1]);
+    reader_ = std::thread([this] { read(); });
+    waitFor("the recorder", [this] { return !samples().empty(); });
+}
+
+Recorder::~Recorder() {
+    process_.end();
+    reader_.join();
+    close(pipe_[0]);
+}
+
+std::vector<float> Recorder::samples() const {
+    const std::lock_guard lock(mutex_);
+    return samples_;
+}
+
+void Recorder::read() {
+    std::array<char, 65536> buffer;
+    std::size_t held = 0;
+    while (true) {
+        const ssize_t count = ::read(pipe_[0], buffer.data() + held, buffer.size() - held);
+        if (count <= 0) {
+            return;
+        }
+        held += static_cast<std::size_t>(count);
+        const std::size_t whole = held / sizeof(float);
+        const std::lock_guard lock(mutex_);
+        const std::size_t before = samples_.size();
+        samples_.resize(before + whole);
+        std::memcpy(samples_.data() + before, buffer.data(), whole * sizeof(float));
+        held -= whole * sizeof(float);
+        std::memmove(buffer.data(), buffer.data() + whole * sizeof(float), held);
+    }
+}
+
+} // namespace quorel::test
