@@ -60,8 +60,9 @@ QJsonValue toValue(const Record& record) {
     const auto insert = [&object](std::string_view key, const QJsonValue& value) {
         object.insert(QLatin1StringView(key.data(), qsizetype(key.size())), value);
     };
-    std::apply([&](const auto&... field) { (insert(field.key, toValue(record.*field.member)), ...); },
-               kFields<Record>);
+    std::apply(
+        [&](const auto&... field) { (insert(field.key, toValue(record.*field.member)), ...); },
+        kFields<Record>);
     return object;
 }
 

@@ -1,9 +1,9 @@
 # Every library that the program calls. All of them are Debian packages; packages/debian.txt names
 # the packages, and `make setup` installs them.
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
-find_package(simdjson 3.0 REQUIRED)
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(FLAC REQUIRED IMPORTED_TARGET flac>=1.4)
+pkg_check_modules(RAPIDJSON REQUIRED IMPORTED_TARGET RapidJSON>=1.1)
 pkg_check_modules(SOXR REQUIRED IMPORTED_TARGET soxr>=0.1.3)
 pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse>=16)

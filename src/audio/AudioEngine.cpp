@@ -282,6 +282,9 @@ int64_t AudioEngine::currentEnd() const {
 }
 
 double AudioEngine::heardTime() {
+    if (stream_ == 0) {
+        return currentTime_; // held until there is an output again
+    }
     const double start = static_cast<double>(segmentStartFrame_) / current_->sampleRate;
     const int64_t heard = heardFrames();
     if (heard == 0) {

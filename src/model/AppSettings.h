@@ -6,7 +6,6 @@
 #include <QList>
 #include <QMap>
 #include <QString>
-
 #include <optional>
 
 namespace quorel {
@@ -48,7 +47,8 @@ struct AppSettings {
     bool fadeStopOn = false;
     double fadeStopMs = 250;
     bool fadeChangeOn = false;
-    double fadeChangeMs = 400; ///< longer than the others on purpose: one track gives way to another
+    double fadeChangeMs =
+        400; ///< longer than the others on purpose: one track gives way to another
 
     bool normalize = false;
     bool compOn = false;

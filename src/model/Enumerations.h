@@ -24,17 +24,17 @@ template <>
 inline constexpr auto kRawValues<CompressorPreset> =
     std::to_array<std::string_view>({"gentle", "warm", "radio", "punch", "maximum"});
 template <>
-inline constexpr auto kRawValues<LoudnessStrength> =
-    std::to_array<std::string_view>({"gentle", "medium", "strong"});
+inline constexpr auto
+    kRawValues<LoudnessStrength> = std::to_array<std::string_view>({"gentle", "medium", "strong"});
 template <>
 inline constexpr auto kRawValues<VisualizationMode> =
     std::to_array<std::string_view>({"spectrum", "scope", "vu", "led", "off"});
 template <>
-inline constexpr auto kRawValues<CharacterFX> =
-    std::to_array<std::string_view>({"off", "vinyl", "tape"});
+inline constexpr auto kRawValues<CharacterFX> = std::to_array<std::string_view>({"off", "vinyl",
+                                                                                 "tape"});
 template <>
-inline constexpr auto kRawValues<TapeType> =
-    std::to_array<std::string_view>({"ferric", "chrome", "metal"});
+inline constexpr auto kRawValues<TapeType> = std::to_array<std::string_view>({"ferric", "chrome",
+                                                                              "metal"});
 
 template <class Enum>
 concept StoredEnum = !kRawValues<Enum>.empty();

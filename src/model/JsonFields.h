@@ -10,10 +10,12 @@ namespace quorel {
 /// One member of a record and the key by which its JSON object holds it.
 template <class Record, class Value>
 struct Field {
-    constexpr Field(std::string_view name, Value Record::* pointer) : key(name), member(pointer) {}
+    constexpr Field(std::string_view name, Value Record::*pointer)
+        : key(name)
+        , member(pointer) {}
 
     std::string_view key;
-    Value Record::* member;
+    Value Record::*member;
 };
 
 /// The fields of a record in the order in which they are written. The one place that names a key.
@@ -122,6 +124,7 @@ inline constexpr auto kFields<PersistedState> = std::tuple{
 
 /// A type that has such a table.
 template <class T>
-concept JsonRecord = std::tuple_size_v<std::remove_const_t<decltype(kFields<T>)>> > 0;
+concept JsonRecord = std::tuple_size_v<std::remove_const_t<decltype(kFields<T>)>> >
+0;
 
 } // namespace quorel

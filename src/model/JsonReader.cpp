@@ -1,113 +1,102 @@
 #include "model/Json.h"
 #include "model/JsonFields.h"
+#include "model/JsonHandler.h"
 
-#include <simdjson.h>
-
+#include <charconv>
 #include <cmath>
 
 namespace quorel {
 
 namespace {
 
-using simdjson::dom::element;
+using namespace json;
 
-// Every read() says whether the element holds a value of that type; on false the value is void.
+// read() stores a token's value and says whether it is one of that type.
 
-bool read(element json, bool& value) {
-    return json.get(value) == simdjson::SUCCESS;
+bool read(const Token& token, bool& value) {
+    value = token.kind == Token::Kind::True;
+    return value || token.kind == Token::Kind::False;
 }
 
-bool read(element json, double& value) {
-    return json.get(value) == simdjson::SUCCESS;
+template <class Number>
+bool parse(std::string_view text, Number& value) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end;
 }
 
-bool read(element json, qint64& value) {
-    if (int64_t integer = 0; json.get(integer) == simdjson::SUCCESS) {
-        value = integer;
+bool read(const Token& token, double& value) {
+    return token.kind == Token::Kind::Number && parse(token.text, value);
+}
+
+bool read(const Token& token, qint64& value) {
+    if (token.kind != Token::Kind::Number)
+        return false;
+    if (parse(token.text, value))
         return true;
-    }
     double number = 0;
-    if (json.get(number) != simdjson::SUCCESS || std::abs(number) >= 0x1p63 ||
-        std::trunc(number) != number)
+    if (!parse(token.text, number) || std::abs(number) >= 0x1p63 || std::trunc(number) != number)
         return false;
     value = static_cast<qint64>(number);
     return true;
 }
 
-bool read(element json, std::string_view& value) {
-    return json.get(value) == simdjson::SUCCESS;
-}
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-bool read(element json, QString& value) {
-    std::string_view text;
-    if (!read(json, text))
+bool read(const Token& token, QString& value) {
+    if (token.kind != Token::Kind::String)
         return false;
-    value = toQString(text);
+    value = token.strings->get(token.text);
     return true;
 }
 
-bool read(element json, QUuid& value) {
+bool read(const Token& token, QUuid& value) {
     constexpr std::string_view kNil = "00000000-0000-0000-0000-000000000000";
-    std::string_view text;
-    if (!read(json, text) || text.size() != kNil.size())
+    if (token.kind != Token::Kind::String || token.text.size() != kNil.size())
         return false;
-    value = QUuid::fromString(QLatin1StringView(text.data(), static_cast<qsizetype>(text.size())));
-    return !value.isNull() || text == kNil;
+    value = QUuid::fromString(QLatin1StringView(token.text.data(), kNil.size()));
+    return !value.isNull() || token.text == kNil;
 }
 
 template <StoredEnum Enum>
-bool read(element json, Enum& value) {
-    std::string_view text;
-    const bool isText = read(json, text);
-    const std::optional<Enum> found = isText ? fromRawValue<Enum>(text) : std::nullopt;
+bool read(const Token& token, Enum& value) {
+    const std::optional<Enum> found =
+        token.kind == Token::Kind::String ? fromRawValue<Enum>(token.text) : std::nullopt;
     value = found.value_or(value);
     return found.has_value();
 }
 
-// Containers read each other's elements, so all are declared before the first is defined.
 template <class T>
-bool read(element json, std::optional<T>& value);
-template <class T>
-bool read(element json, QList<T>& list);
-template <class T>
-bool read(element json, QMap<QString, T>& map);
-template <JsonRecord Record>
-bool read(element json, Record& record);
-
-template <class T>
-bool read(element json, std::optional<T>& value) {
-    return json.is_null() || read(json, value.emplace());
+bool read(const Token& token, std::optional<T>& value) {
+    return token.kind == Token::Kind::Null || read(token, value.emplace());
 }
 
 template <class T>
-bool read(element json, QList<T>& list) {
-    simdjson::dom::array array;
-    if (json.get(array) != simdjson::SUCCESS)
-        return false;
+bool read(const Token& token, QList<T>& list) {
     list.clear();
-    list.reserve(static_cast<qsizetype>(array.size()));
-    for (const element item : array) {
-        if (!read(item, list.emplaceBack()))
-            return false;
-    }
-    return true;
+    return token.kind == Token::Kind::List;
 }
 
 template <class T>
-bool read(element json, QMap<QString, T>& map) {
-    simdjson::dom::object object;
-    if (json.get(object) != simdjson::SUCCESS)
-        return false;
-    for (const auto& [key, item] : object) {
-        const QString name = toQString(key);
-        if (map.contains(name) || !read(item, map[name]))
-            return false;
-    }
-    return true;
+bool read(const Token& token, QMap<QString, T>&) {
+    return token.kind == Token::Kind::Object;
+}
+
+template <JsonRecord Record>
+bool read(const Token& token, Record&) {
+    return token.kind == Token::Kind::Object;
+}
+
+template <class T>
+Slot slotFor(T& target);
+
+template <class T>
+Slot nextElement(QList<T>& list) {
+    return slotFor(list.emplaceBack());
+}
+
+template <class T>
+Slot findMember(Frame&, QMap<QString, T>& map, std::string_view key) {
+    const QString name = toQString(key);
+    return map.contains(name) ? Slot() : slotFor(map[name]);
 }
 
 template <class T>
@@ -115,83 +104,90 @@ constexpr bool kIsOptional = false;
 template <class T>
 constexpr bool kIsOptional<std::optional<T>> = true;
 
+/// A record's field as a key found in the text picks it.
 template <class Record>
-constexpr std::size_t kFieldCount = std::tuple_size_v<decltype(kFields<Record>)>;
-
-/// A field as a key found in the text picks it at run time.
-template <class Record>
-struct FieldReader {
+struct FieldSlot {
     std::string_view key;
-    bool (*readInto)(element, Record&);
-    bool required;
+    Slot (*slot)(Record&);
+    bool isRequired;
 };
 
 template <class Record, std::size_t I>
-constexpr FieldReader<Record> fieldReader() {
-    using Value = std::remove_reference_t<decltype(std::declval<Record>().*
-                                                   std::get<I>(kFields<Record>).member)>;
+constexpr FieldSlot<Record> fieldSlot() {
+    constexpr auto kField = std::get<I>(kFields<Record>);
+    using Value = std::remove_reference_t<decltype(std::declval<Record&>().*kField.member)>;
     return {
-        std::get<I>(kFields<Record>).key,
-        [](element json, Record& record) {
-            return read(json, record.*std::get<I>(kFields<Record>).member);
-        },
+        kField.key,
+        [](Record& record) { return slotFor(record.*std::get<I>(kFields<Record>).member); },
         !kIsOptional<Value> && !kEveryKeyMayBeMissing<Record>,
     };
 }
 
 template <class Record>
-constexpr auto kFieldReaders = []<std::size_t... I>(std::index_sequence<I...>) {
-    return std::array{fieldReader<Record, I>()...};
-}(std::make_index_sequence<kFieldCount<Record>>());
-
-/// The field of that key, or kFieldCount. The search begins at `likely`: keys mostly come in the
-/// order in which they are written.
-template <class Record>
-std::size_t findField(std::string_view key, std::size_t likely) {
-    constexpr std::size_t kCount = kFieldCount<Record>;
-    for (std::size_t i = 0; i < kCount; ++i) {
-        const std::size_t index = likely + i < kCount ? likely + i : likely + i - kCount;
-        if (kFieldReaders<Record>[index].key == key)
-            return index;
-    }
-    return kCount;
+constexpr auto kFieldSlots = []<std::size_t... I>(std::index_sequence<I...>) {
+    static_assert(sizeof...(I) <= 64, "a frame has one bit for each field");
+    return std::array{fieldSlot<Record, I>()...};
 }
+(std::make_index_sequence<std::tuple_size_v<std::remove_const_t<decltype(kFields<Record>)>>>());
 
 template <JsonRecord Record>
-bool read(element json, Record& record) {
-    simdjson::dom::object object;
-    if (json.get(object) != simdjson::SUCCESS)
-        return false;
-    std::array<bool, kFieldCount<Record>> seen{};
-    std::size_t likely = 0;
-    for (const auto& [key, item] : object) {
-        const std::size_t index = findField<Record>(key, likely);
-        if (index == seen.size())
+Slot findMember(Frame& frame, Record& record, std::string_view key) {
+    constexpr auto& kSlots = kFieldSlots<Record>;
+    // Keys mostly come in the order in which they are written.
+    for (std::size_t i = 0; i < kSlots.size(); ++i) {
+        const std::size_t index = (frame.likely + i) % kSlots.size();
+        if (kSlots[index].key != key)
             continue;
-        if (std::exchange(seen[index], true) ||
-            !kFieldReaders<Record>[index].readInto(item, record))
-            return false;
-        likely = index + 1;
+        const quint64 bit = quint64(1) << index;
+        const bool isRepeated = (std::exchange(frame.seen, frame.seen | bit) & bit) != 0;
+        frame.likely = index + 1;
+        return isRepeated ? Slot() : kSlots[index].slot(record);
     }
-    for (std::size_t i = 0; i < seen.size(); ++i) {
-        if (kFieldReaders<Record>[i].required && !seen[i])
-            return false;
+    return {&kIgnored};
+}
+
+template <class T>
+constexpr Type typeOf() {
+    Type type;
+    type.take = [](const Token& token, void* target) {
+        return read(token, *static_cast<T*>(target));
+    };
+    if constexpr (requires(Frame & frame, T & value) { findMember(frame, value, {}); })
+        type.member = [](Frame& frame, std::string_view key) {
+            return findMember(frame, *static_cast<T*>(frame.slot.target), key);
+        };
+    if constexpr (requires(T & value) { nextElement(value); })
+        type.element = [](void* target) { return nextElement(*static_cast<T*>(target)); };
+    if constexpr (JsonRecord<T>) {
+        for (std::size_t i = 0; i < kFieldSlots<T>.size(); ++i)
+            type.required |= quint64(kFieldSlots<T>[i].isRequired) << i;
     }
-    return true;
+    return type;
+}
+
+template <class T>
+constexpr Type kType = typeOf<T>();
+
+template <class T>
+Slot slotFor(T& target) {
+    return {&kType<T>, &target};
 }
 
 } // namespace
 
 template <class Record>
 std::optional<Record> fromJson(QByteArray json) {
-    // The parser reads whole vectors and so past the end of the text, within the reserve.
-    json.reserve(json.size() + static_cast<qsizetype>(simdjson::SIMDJSON_PADDING));
-    simdjson::dom::parser parser;
-    element root;
+    // Checked here as a whole, which is faster than character by character in the parser.
+    if (!QUtf8StringView(json.constData(), json.size()).isValidUtf8())
+        return std::nullopt;
     Record record;
-    const bool isJson = parser.parse(json.constData(), static_cast<std::size_t>(json.size()), false)
-                            .get(root) == simdjson::SUCCESS;
-    if (!isJson || !read(root, record))
+    Handler handler(slotFor(record));
+    rapidjson::Reader reader;
+    rapidjson::InsituStringStream stream(json.data());
+    constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseNumbersAsStringsFlag;
+    // The parser takes a zero byte for the end of the text.
+    if (!reader.Parse<kFlags>(stream, handler) ||
+        static_cast<qsizetype>(stream.Tell()) != json.size())
         return std::nullopt;
     return record;
 }

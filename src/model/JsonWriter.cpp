@@ -2,7 +2,6 @@
 #include "model/JsonFields.h"
 
 #include <QStringEncoder>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -219,8 +218,9 @@ void writeField(Writer& out, std::string_view key, const T& value) {
 template <JsonRecord Record>
 void write(Writer& out, const Record& record) {
     out.put('{');
-    std::apply([&](const auto&... field) { (writeField(out, field.key, record.*field.member), ...); },
-               kFields<Record>);
+    std::apply(
+        [&](const auto&... field) { (writeField(out, field.key, record.*field.member), ...); },
+        kFields<Record>);
     out.close('}');
 }
 

@@ -25,9 +25,8 @@ QStringView withoutTrackNumber(QStringView name) {
     };
     const qsizetype digits = skip(0, [](QChar c) { return c.isSpace(); });
     const qsizetype separators = skip(digits, [](QChar c) { return c.isDigit(); });
-    const qsizetype rest = skip(separators, [](QChar c) {
-        return c.isSpace() || c == u'.' || c == u'-' || c == u'_';
-    });
+    const qsizetype rest = skip(
+        separators, [](QChar c) { return c.isSpace() || c == u'.' || c == u'-' || c == u'_'; });
     const bool numbered = separators > digits && rest > separators && rest < name.size();
     return numbered ? name.sliced(rest) : name;
 }

@@ -32,6 +32,12 @@ bool isInstalled(const std::string& program) {
     return false;
 }
 
+std::string contentsOf(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
 void waitFor(const std::string& what, const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + 20s;
     while (!condition()) {
@@ -175,11 +181,6 @@ void SoundServer::suspend(const std::string& name, bool suspended) {
     pactl({"suspend-sink", name, suspended ? "1" : "0"});
 }
 
-std::string SoundServer::log(const std::string& program) const {
-    std::ifstream file(directory_ + "/" + program + ".log");
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void SoundServer::launch(const std::vector<std::string>& command) {
     processes_.emplace_back(command, directory_ + "/" + command[0] + ".log");
 }
@@ -191,16 +192,14 @@ std::string SoundServer::pactl(const std::vector<std::string>& arguments) const 
     command.insert(command.end(), arguments.begin(), arguments.end());
     const int status = ChildProcess(command, directory_ + "/pactl.log", output).wait();
     close(output);
-    std::ifstream file(answer);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::string text = contentsOf(answer);
     while (!text.empty() && text.back() == '\n') {
         text.pop_back();
     }
     return status == 0 ? text : std::string();
 }
 
-Recorder::Recorder(const SoundServer& server, const std::string& sink, int rate, int channels) {
-    static_cast<void>(server); // it must be there
+Recorder::Recorder(const std::string& sink, int rate, int channels) {
     if (pipe2(pipe_, O_CLOEXEC) != 0) {
         throw std::runtime_error("cannot make a pipe");
     }
@@ -223,6 +222,11 @@ Recorder::~Recorder() {
 std::vector<float> Recorder::samples() const {
     const std::lock_guard lock(mutex_);
     return samples_;
+}
+
+float Recorder::latest() const {
+    const std::lock_guard lock(mutex_);
+    return samples_.empty() ? 0.0F : samples_.back();
 }
 
 void Recorder::read() {

@@ -35,7 +35,6 @@ class SoundServer {
     void suspend(const std::string& name, bool suspended);
 
     Kind kind() const { return kind_; }
-    std::string log(const std::string& program) const;
 
   private:
     struct Sink {
@@ -54,16 +53,16 @@ class SoundServer {
     std::map<std::string, Sink> sinks_;
 };
 
-/// Records what a sink plays, from the moment of construction.
+/// Records what a sink of the running server plays, from the moment of construction.
 class Recorder {
   public:
-    Recorder(const SoundServer& server, const std::string& sink, int rate = 48000,
-             int channels = 2);
+    explicit Recorder(const std::string& sink, int rate = 48000, int channels = 2);
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
     std::vector<float> samples() const; ///< so far, interleaved
+    float latest() const;               ///< the newest of them
 
   private:
     void read();

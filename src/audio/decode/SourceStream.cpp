@@ -13,6 +13,10 @@ constexpr int64_t kMostChunkFrames = 4096;
 constexpr double kPrimeSeconds = 0.25;
 /// How much of a track is read again to rebuild the converter's memory at a join.
 constexpr double kConverterMemorySeconds = 0.05;
+/// Longer than half the converter's filter: how far ahead a frame can feel what follows it.
+constexpr double kConverterReachSeconds = 0.02;
+/// The current segment, the one queued behind it, and the one before that is still heard.
+constexpr std::size_t kRemembered = 3;
 
 std::size_t samples(int64_t frames, int channels) {
     return static_cast<std::size_t>(frames) * static_cast<std::size_t>(channels);
@@ -58,6 +62,10 @@ void SourceStream::beginSegment() {
     segmentRead_ = 0;
     mapper_.emplace(segment.file->format().layout, device_.layout);
     segment.file->seek(segment.from);
+    begun_.push_back({segment, segmentStart_});
+    if (begun_.size() > kRemembered) {
+        begun_.pop_front();
+    }
 }
 
 // A file that gave out early makes its segment shorter; what follows moves up.
@@ -66,7 +74,7 @@ void SourceStream::endSegment() {
     if (segmentRead_ < segment.to - segment.from) {
         shortened_(segment_, segmentRead_);
     }
-    previous_ = Join{segment, segmentStart_};
+    begun_.back().segment.to = segment.from + segmentRead_;
     segmentStart_ += segmentRead_;
     ++segment_;
     segments_.pop_front();
@@ -159,12 +167,21 @@ bool SourceStream::dropLast() {
         segments_.pop_back();
         return true; // not one frame of it has been read
     }
-    if (segments_.empty() || !previous_) {
-        return false; // read to its end already
+    if (begun_.size() < 2 || finished_) {
+        return false;
     }
-    // It is being read: go back to the join before it.
+    // It has been begun: go back to the join before it.
+    if (segments_.empty()) {
+        --segment_; // and even read to its end
+    }
     segments_.clear();
-    const int64_t join = deviceFrames(segmentStart_, sourceRate_, device_.sampleRate);
+    segmentStart_ = begun_.back().start;
+    begun_.pop_back();
+    int64_t join = deviceFrames(segmentStart_, sourceRate_, device_.sampleRate);
+    if (!converter_.passthrough()) {
+        // The frames just before the join have heard of what came after it.
+        join = std::max<int64_t>(0, join - std::lround(kConverterReachSeconds * device_.sampleRate));
+    }
     if (!sink_->ring.rewind(join)) {
         return false;
     }
@@ -174,24 +191,22 @@ bool SourceStream::dropLast() {
 // Feeds a fresh converter with the end of the segment before the join, from a source frame that
 // falls exactly on a device frame, so that it goes on as if it had never seen the dropped segment.
 bool SourceStream::restartConverterAt(int64_t deviceFrame) {
+    const Begun& previous = begun_.back();
     const int64_t grid = sourceRate_ / std::gcd(sourceRate_, device_.sampleRate);
     const auto memory = std::lround(kConverterMemorySeconds * sourceRate_);
     const int64_t resume = deviceFrames(deviceFrame, device_.sampleRate, sourceRate_);
-    const int64_t begin = std::max<int64_t>(0, (resume - memory) / grid * grid);
-    if (begin < previous_->start) {
+    const int64_t begin = (resume - memory) / grid * grid;
+    if (begin < previous.start) {
         return false;
     }
     converter_.reset();
     skip_ = deviceFrame - deviceFrames(begin, sourceRate_, device_.sampleRate);
-    segments_.push_front(previous_->segment);
-    segmentRead_ = segmentStart_ - previous_->start; // its full, possibly shortened, length
-    segmentStart_ = previous_->start;
+    segments_.push_front(previous.segment);
+    mapper_.emplace(previous.segment.file->format().layout, device_.layout);
     --segment_;
-    mapper_.emplace(previous_->segment.file->format().layout, device_.layout);
-    segments_.front().to = segments_.front().from + segmentRead_;
-    segmentRead_ = begin - previous_->start;
-    previous_.reset();
-    return segments_.front().file->seek(segments_.front().from + segmentRead_);
+    segmentStart_ = previous.start;
+    segmentRead_ = begin - previous.start;
+    return previous.segment.file->seek(previous.segment.from + segmentRead_);
 }
 
 } // namespace quorel

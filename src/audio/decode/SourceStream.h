@@ -42,7 +42,7 @@ class SourceStream {
     void append(SourceSegment segment);
 
     /// Takes the last segment back, with what was already written of it. False when it is too late
-    /// because some of it has been played, or all of it was read; the stream is of no use then.
+    /// because some of it has been played; the stream is of no use then.
     bool dropLast();
 
     /// Writes about a tenth of a second more. False when the ring is full enough or nothing is left
@@ -60,7 +60,7 @@ class SourceStream {
     int64_t ringLevel() const { return sink_->ring.level(); }
 
   private:
-    struct Join { // where a segment that has been read to its end, or is being read, began
+    struct Begun {
         SourceSegment segment;
         int64_t start = 0; // in source frames since the stream's start
     };
@@ -81,7 +81,7 @@ class SourceStream {
     const int64_t chunkOutput_; // device frames that they become at most
     std::optional<ChannelMapper> mapper_;
     std::deque<SourceSegment> segments_; // the one being read, then those to come
-    std::optional<Join> previous_;       // the segment before the one being read
+    std::deque<Begun> begun_;            // the last few segments begun, the newest last
     int segment_ = 0;                    // number of the one being read
     int64_t segmentStart_ = 0;           // its start, in source frames since the stream's start
     int64_t segmentRead_ = 0;            // frames of it read so far

@@ -1,6 +1,7 @@
 #include "audio/decode/SourceWorker.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <pthread.h>
 

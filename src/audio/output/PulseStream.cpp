@@ -8,6 +8,11 @@ namespace {
 
 constexpr std::chrono::seconds kStallTime{2};
 
+// PipeWire reports the position of the last cycle's beginning, so that its reports scatter by a
+// cycle, usually 10 to 43 ms. While the sound flows, only a part of the difference is taken over.
+constexpr std::chrono::milliseconds kMostJitter{60};
+constexpr int kSmoothing = 8;
+
 PulseStream& streamOf(void* self) {
     return *static_cast<PulseStream*>(self);
 }
@@ -30,8 +35,10 @@ PulseStream::PulseStream(pa_context* context, Setup setup, RenderClient& client,
     }
     setCallbacks(true);
     const pa_buffer_attr attributes = bufferAttributes();
-    unsigned flags = PA_STREAM_START_CORKED | PA_STREAM_INTERPOLATE_TIMING |
-                     PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_ADJUST_LATENCY;
+    // Not INTERPOLATE_TIMING: after a start the library's own reading runs ahead by most of the buffer
+    // for some 70 ms, while the server's reports that it is made from are right.
+    unsigned flags =
+        PA_STREAM_START_CORKED | PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_ADJUST_LATENCY;
     if (!setup_.pinnedTo.empty()) {
         flags |= PA_STREAM_DONT_MOVE;
     }
@@ -51,11 +58,10 @@ PulseStream::~PulseStream() {
 
 void PulseStream::setCallbacks(bool on) {
     pa_stream_set_write_callback(stream_, on ? onWrite : nullptr, this);
-    pa_stream_set_latency_update_callback(stream_, on ? onTiming : nullptr, this);
+    pa_stream_set_latency_update_callback(stream_, on ? onReport : nullptr, this);
     pa_stream_set_suspended_callback(stream_, on ? onSuspended : nullptr, this);
     pa_stream_set_moved_callback(stream_, on ? onMoved : nullptr, this);
     pa_stream_set_underflow_callback(stream_, on ? onUnderflow : nullptr, this);
-    pa_stream_set_started_callback(stream_, on ? onTiming : nullptr, this);
 }
 
 PulseStream::State PulseStream::state() const {
@@ -80,7 +86,10 @@ void PulseStream::start(Time now) {
     running_ = true;
     startedAt_ = now;
     askedAt_ = now;
-    framesAtStart_ = framesWritten_;
+    // Until the server reports, what was heard last is what the device held when it began.
+    playing_ = false;
+    heard_ = duration(framesWritten_) - deviceLatency_;
+    heardAt_ = now;
     const std::size_t writable = pa_stream_writable_size(stream_);
     if (writable != static_cast<std::size_t>(-1)) {
         write(writable);
@@ -89,6 +98,7 @@ void PulseStream::start(Time now) {
 
 void PulseStream::stop() {
     if (running_) {
+        hold();
         running_ = false;
         letRun(pa_stream_cork(stream_, 1, nullptr, nullptr));
         publish();
@@ -98,6 +108,7 @@ void PulseStream::stop() {
 bool PulseStream::checkStalled(Time now) {
     const bool stalled = running_ && !suspended_ && now - askedAt_ > kStallTime;
     if (stalled != stalled_) {
+        hold();
         stalled_ = stalled;
         publish();
     }
@@ -145,27 +156,51 @@ void PulseStream::write(std::size_t bytes) noexcept {
     publish();
 }
 
-void PulseStream::publish() noexcept {
+void PulseStream::takeReport() {
     const pa_timing_info* info = pa_stream_get_timing_info(stream_);
-    const bool known = info && !info->write_index_corrupt;
-    OutputTiming timing;
-    timing.framesWritten = framesWritten_;
-    timing.latency = latency();
-    timing.at = std::chrono::steady_clock::now().time_since_epoch();
-    timing.advancing = running_ && !suspended_ && !stalled_ && known && info->playing;
-    events_.publish(setup_.id, timing);
+    if (!info || info->write_index_corrupt || info->read_index_corrupt) {
+        return; // asked for before the newest flush; the next report is under way
+    }
+    using std::chrono::microseconds;
+    const auto frameBytes = static_cast<int64_t>(frameBytes_);
+    // The server's indices also count what was flushed, ours does not: they differ by a constant
+    // between starts.
+    const int64_t framesRead =
+        framesWritten_ - (info->write_index - info->read_index) / frameBytes;
+    deviceLatency_ = microseconds(info->sink_usec);
+    const bool advanced = advancing();
+    hold();
+    playing_ = info->playing != 0;
+    auto reported = duration(framesRead) - deviceLatency_;
+    if (advancing()) {
+        reported += microseconds(info->transport_usec); // the age of the report
+    }
+    const auto error = reported - heard_;
+    const bool jitter = advanced && advancing() && std::chrono::abs(error) < kMostJitter;
+    heard_ += jitter ? error / kSmoothing : error;
 }
 
-std::chrono::nanoseconds PulseStream::latency() noexcept {
-    pa_usec_t latency = 0;
-    int negative = 0;
-    if (pa_stream_get_latency(stream_, &latency, &negative) < 0) {
-        // Unknown between a start and the server's next report. Until then the buffer holds all
-        // that was written since the start, which had emptied it.
-        return deviceLatency_ + duration(framesWritten_ - framesAtStart_);
-    }
-    deviceLatency_ = std::chrono::microseconds(pa_stream_get_timing_info(stream_)->sink_usec);
-    return negative ? std::chrono::nanoseconds::zero() : std::chrono::microseconds(latency);
+bool PulseStream::advancing() const noexcept {
+    return running_ && !suspended_ && !stalled_ && playing_;
+}
+
+std::chrono::nanoseconds PulseStream::heardAt(Time now) const noexcept {
+    const auto heard = advancing() ? heard_ + (now - heardAt_) : heard_;
+    return std::min(heard, duration(framesWritten_));
+}
+
+void PulseStream::hold() noexcept {
+    const auto now = std::chrono::steady_clock::now();
+    heard_ = heardAt(now);
+    heardAt_ = now;
+}
+
+void PulseStream::publish() noexcept {
+    const auto now = std::chrono::steady_clock::now();
+    events_.publish(setup_.id, {.framesWritten = framesWritten_,
+                                .latency = duration(framesWritten_) - heardAt(now),
+                                .at = now.time_since_epoch(),
+                                .advancing = advancing()});
 }
 
 std::chrono::nanoseconds PulseStream::duration(int64_t frames) const noexcept {
@@ -181,12 +216,14 @@ void PulseStream::onWrite(pa_stream*, std::size_t bytes, void* self) {
     }
 }
 
-void PulseStream::onTiming(pa_stream*, void* self) {
+void PulseStream::onReport(pa_stream*, void* self) {
+    streamOf(self).takeReport();
     streamOf(self).publish();
 }
 
 void PulseStream::onSuspended(pa_stream* stream, void* self) {
     PulseStream& me = streamOf(self);
+    me.hold();
     me.suspended_ = pa_stream_is_suspended(stream) > 0;
     me.askedAt_ = std::chrono::steady_clock::now();
     me.publish();

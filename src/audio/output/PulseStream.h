@@ -51,11 +51,14 @@ class PulseStream {
     void setCallbacks(bool on);
     void write(std::size_t bytes) noexcept;
     void publish() noexcept;
-    std::chrono::nanoseconds latency() noexcept;
+    void takeReport();
+    bool advancing() const noexcept;
+    std::chrono::nanoseconds heardAt(Time now) const noexcept;
+    void hold() noexcept; ///< before a change of what advancing() depends on
     std::chrono::nanoseconds duration(int64_t frames) const noexcept;
 
     static void onWrite(pa_stream*, std::size_t bytes, void* self);
-    static void onTiming(pa_stream*, void* self);
+    static void onReport(pa_stream*, void* self);
     static void onSuspended(pa_stream*, void* self);
     static void onMoved(pa_stream*, void* self);
     static void onUnderflow(pa_stream*, void* self);
@@ -75,7 +78,10 @@ class PulseStream {
     Time askedAt_{}; // when the server last wanted sound
 
     int64_t framesWritten_ = 0;
-    int64_t framesAtStart_ = 0;
+    // From the server's newest report: how much of what was written had been heard, and when that was.
+    std::chrono::nanoseconds heard_{0};
+    Time heardAt_{};
+    bool playing_ = false; // not waiting for its buffer to fill
     std::chrono::nanoseconds deviceLatency_{0}; // the part of the latency behind the buffer
 };
 

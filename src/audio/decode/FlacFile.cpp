@@ -1,0 +1,163 @@
+#include "audio/decode/FlacFile.h"
+
+#include "audio/decode/Bytes.h"
+#include "audio/decode/ChannelMask.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorel {
+
+bool recognisesFlac(std::span<const std::byte> head) {
+    return startsWith(head, "fLaC");
+}
+
+OpenedAudioFile openFlac(AudioSource source) {
+    std::optional<FlacMetadata> metadata = FlacMetadata::read(source);
+    if (!metadata) {
+        return refuse("a FLAC file without a description of its format");
+    }
+    auto file = std::make_unique<FlacFile>(std::move(source), *metadata);
+    if (file->sampleRate() < kMinSampleRate || file->sampleRate() > kMaxSampleRate) {
+        return refuse("a FLAC file with a sampling rate of " + std::to_string(file->sampleRate()) +
+                      " Hz");
+    }
+    return {std::move(file), {}};
+}
+
+namespace {
+// Where the frames start. A wrong block length leads astray; then they are looked for from the
+// block on that is surely one.
+int64_t framesBegin(const AudioSource& source, const FlacMetadata& metadata) {
+    std::array<std::byte, FlacFrameHeader::kMaxBytes> bytes{};
+    const std::size_t got = source.file.readAt(metadata.audioBegin, bytes);
+    const bool frame =
+        FlacFrameHeader::parse(std::span(bytes).first(got), metadata.info).has_value();
+    return frame ? metadata.audioBegin : metadata.infoEnd;
+}
+} // namespace
+
+FlacFile::FlacFile(AudioSource source, const FlacMetadata& metadata)
+    : source_(std::move(source))
+    , info_(metadata.info)
+    , scanner_(source_.file, info_, framesBegin(source_, metadata), source_.end,
+               [this] { return cancelled(); })
+    , decoder_(source_.file, info_, source_.end, [this] { return cancelled(); })
+    , nextOffset_(scanner_.begin()) {
+    format_.sampleRate = scanner_.sampleRate();
+    format_.layout = layoutOfMask(scanner_.channels(), metadata.channelMask);
+    length_ = statedOrFoundLength();
+}
+
+// Frames that end exactly where the file does tell the length more reliably than the head, which
+// may not know it or be wrong. In a file that breaks off inside a frame the head knows what was
+// there.
+int64_t FlacFile::statedOrFoundLength() {
+    if (!scanner_.hasFrames()) {
+        return nextOffset_ < source_.end ? info_.totalFrames : 0;
+    }
+    const FlacFrame last = scanner_.last();
+    const bool whole = last.nextOffset() == source_.end;
+    return whole || info_.totalFrames == 0 ? last.end() : info_.totalFrames;
+}
+
+double FlacFile::dataRate() const {
+    const auto bytes = static_cast<double>(source_.end - scanner_.begin());
+    return length_ > 0 ? 8 * bytes * format_.sampleRate / static_cast<double>(length_) : 0;
+}
+
+bool FlacFile::seek(int64_t frame) {
+    position_ = std::clamp<int64_t>(frame, 0, length_);
+    searching_ = position_ < blockStart_ || position_ >= blockEnd();
+    return true;
+}
+
+int64_t FlacFile::read(float* interleaved, int64_t frames) {
+    const int64_t wanted = std::min(frames, length_ - position_);
+    int64_t done = 0;
+    while (done < wanted && !cancelled()) {
+        if (searching_ && !goToPosition()) {
+            break;
+        }
+        if (position_ >= blockEnd() && !decodeNext()) {
+            break;
+        }
+        done += deliver(interleaved + done * channels(), wanted - done);
+    }
+    return done;
+}
+
+// Done by the read behind a seek, so that cancel() can interrupt it too and nothing is lost by
+// that.
+bool FlacFile::goToPosition() {
+    if (scanner_.hasFrames()) {
+        const FlacFrame start = scanner_.frameBefore(position_, length_);
+        if (cancelled()) {
+            return false;
+        }
+        nextOffset_ = start.offset;
+        blockStart_ = start.start;
+        block_.frames = 0;
+    }
+    searching_ = false;
+    return true;
+}
+
+// Hands out what the block has for the current position: silence up to its start, then its frames.
+// Nothing when it lies before the position.
+int64_t FlacFile::deliver(float* out, int64_t frames) {
+    const int64_t silent = std::clamp<int64_t>(blockStart_ - position_, 0, frames);
+    std::fill_n(out, silent * channels(), 0.0F);
+    position_ += silent;
+    const int64_t sounding = std::clamp<int64_t>(blockEnd() - position_, 0, frames - silent);
+    if (sounding > 0) {
+        const int64_t skipped = position_ - blockStart_;
+        std::copy_n(block_.samples.begin() + skipped * channels(), sounding * channels(),
+                    out + silent * channels());
+        position_ += sounding;
+    }
+    return silent + sounding;
+}
+
+bool FlacFile::decodeNext() {
+    const int64_t expected = blockEnd();
+    while (nextOffset_ < source_.end) {
+        const auto header = scanner_.headerAt(nextOffset_);
+        if (header && !scanner_.belongs(*header)) {
+            return false;
+        }
+        if (header && scanner_.startOf(*header) >= expected) {
+            const auto outcome = decoder_.decode(nextOffset_, *header, block_);
+            if (outcome == FlacDecoder::Outcome::Stopped) {
+                blockStart_ = expected;
+                return false;
+            }
+            if (outcome == FlacDecoder::Outcome::Decoded) {
+                blockStart_ = scanner_.startOf(*header);
+                nextOffset_ = decoder_.nextOffset();
+                return true;
+            }
+        }
+        if (!findWayOn(expected)) {
+            return false;
+        }
+    }
+    return false;
+}
+
+// Damage: goes on at the next frame that is provably one and does not lie in the past.
+bool FlacFile::findWayOn(int64_t expected) {
+    blockStart_ = expected;
+    block_.frames = 0;
+    auto frame = scanner_.frameFrom(nextOffset_ + 1);
+    while (frame && frame->start < expected) {
+        frame = scanner_.frameFrom(frame->nextOffset());
+    }
+    if (!frame && cancelled()) {
+        return false; // it may yet be found
+    }
+    nextOffset_ = frame ? frame->offset : source_.end;
+    return frame.has_value();
+}
+
+} // namespace quorel

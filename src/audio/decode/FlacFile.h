@@ -1,0 +1,46 @@
+#pragma once
+
+#include "audio/decode/AudioReader.h"
+#include "audio/decode/FlacDecoder.h"
+#include "audio/decode/FlacMetadata.h"
+#include "audio/decode/FlacScanner.h"
+
+namespace quorel {
+
+bool recognisesFlac(std::span<const std::byte> head);
+OpenedAudioFile openFlac(AudioSource source);
+
+/// Native FLAC, also behind an ID3v2 tag.
+inline constexpr AudioReader kFlacReader{recognisesFlac, openFlac};
+
+/// A FLAC file. Frames lost to damage are silence, so that what follows keeps its place; frames of
+/// another rate or channel count end the stream.
+class FlacFile : public AudioFile {
+  public:
+    FlacFile(AudioSource source, const FlacMetadata& metadata);
+
+    double dataRate() const override;
+    int64_t position() const override { return position_; }
+    bool seek(int64_t frame) override;
+    int64_t read(float* interleaved, int64_t frames) override;
+
+  private:
+    int64_t statedOrFoundLength();
+    bool goToPosition();
+    bool decodeNext();
+    bool findWayOn(int64_t expected);
+    int64_t deliver(float* out, int64_t frames);
+    int64_t blockEnd() const { return blockStart_ + block_.frames; }
+
+    AudioSource source_;
+    FlacStreamInfo info_;
+    FlacScanner scanner_;
+    FlacDecoder decoder_;
+    int64_t position_ = 0;
+    bool searching_ = false; // the frame at the position is yet to be looked for
+    int64_t nextOffset_;     // of the frame behind the block
+    FlacDecoder::Block block_;
+    int64_t blockStart_ = 0; // number of the block's first frame
+};
+
+} // namespace quorel

@@ -1,0 +1,254 @@
+#include "Stream.h"
+#include "audio/rt/EqDesign.h"
+#include "audio/rt/EqUnit.h"
+#include "support/Spectrum.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <numbers>
+
+namespace quorel::rt::test {
+namespace {
+
+using Complex = std::complex<double>;
+using std::numbers::pi;
+
+constexpr double kFrequencies[] = {31, 62, 125, 250, 500, 1000, 2000, 4000, 8000, 16000};
+
+EqBand graphicBand(int i, float gainDb = 0) {
+    const auto type = i == 0   ? FilterType::LowShelf
+                      : i == 9 ? FilterType::HighShelf
+                               : FilterType::Parametric;
+    return {.type = type, .frequencyHz = kFrequencies[i], .gainDb = gainDb};
+}
+
+double decibels(double magnitude) {
+    return 20 * std::log10(magnitude);
+}
+
+/// The cookbook's analog transfer functions with one octave of bandwidth, or shelf slope 1.
+double analogDb(const EqBand& band, double gainDb, double hz) {
+    const double a = std::pow(10.0, gainDb / 40);
+    const Complex s(0, hz / band.frequencyHz);
+    const Complex damped = std::sqrt(a) * std::numbers::sqrt2 * s;
+    const double q = std::numbers::sqrt2;
+    switch (band.type) {
+    case FilterType::LowShelf:
+        return decibels(std::abs(a * (s * s + damped + a) / (a * s * s + damped + 1.0)));
+    case FilterType::HighShelf:
+        return decibels(std::abs(a * (a * s * s + damped + 1.0) / (s * s + damped + a)));
+    case FilterType::Parametric:
+        return decibels(std::abs((s * s + s * (a / q) + 1.0) / (s * s + s / (a * q) + 1.0)));
+    case FilterType::LowPass:
+        return decibels(std::abs(1.0 / (s * s + std::numbers::sqrt2 * s + 1.0)));
+    case FilterType::HighPass:
+        return decibels(std::abs(s * s / (s * s + std::numbers::sqrt2 * s + 1.0)));
+    }
+    return 0;
+}
+
+double digitalDb(const Biquad& f, double hz, double rate) {
+    const Complex z = std::polar(1.0, -2 * pi * hz / rate);
+    return decibels(std::abs((f.b0 + f.b1 * z + f.b2 * z * z) / (1.0 + f.a1 * z + f.a2 * z * z)));
+}
+
+TEST(EqDesign, FollowsTheAnalogCurve) {
+    struct {
+        double rate, upToHz, toleranceDb;
+    } const rows[] = {
+        {44100, 8000, 0.5}, {44100, 16000, 1.1}, {48000, 8000, 0.5},   {48000, 16000, 1.1},
+        {96000, 8000, 0.3}, {96000, 20000, 0.6}, {192000, 20000, 0.2}, {384000, 20000, 0.1},
+    };
+    for (const auto& row : rows) {
+        double worst = 0;
+        for (int i = 0; i < 10 && kFrequencies[i] <= row.upToHz; ++i)
+            for (const double gain : {12.0, 6.0, 3.0, -3.0, -6.0, -12.0})
+                for (double hz = 20; hz < std::min(20000.0, 0.49 * row.rate); hz *= 1.02) {
+                    const EqBand band = graphicBand(i);
+                    const double error =
+                        digitalDb(designBiquad(band, gain, row.rate), hz, row.rate) -
+                        analogDb(band, gain, hz);
+                    worst = std::max(worst, std::abs(error));
+                }
+        EXPECT_LE(worst, row.toleranceDb) << row.rate << " Hz, bands up to " << row.upToHz;
+        ::testing::Test::RecordProperty("error", std::to_string(worst));
+    }
+    for (const EqBand& pass : {EqBand{.type = FilterType::HighPass, .frequencyHz = 30},
+                               EqBand{.type = FilterType::LowPass, .frequencyHz = 5000}})
+        for (double hz = 10; hz < 10000; hz *= 1.1)
+            EXPECT_NEAR(digitalDb(designBiquad(pass, 0, 48000), hz, 48000), analogDb(pass, 0, hz),
+                        0.3)
+                << hz;
+}
+
+TEST(EqDesign, IsStableInBothDirectionsWhateverTheGainAndRate) {
+    for (const double rate : {8000., 11025., 22050., 44100., 48000., 96000., 192000., 384000.})
+        for (int i = 0; i < 10; ++i)
+            for (double gain = -120; gain <= 120; gain += 1.5) {
+                const Biquad f = designBiquad(graphicBand(i), gain, rate);
+                ASSERT_TRUE(std::isfinite(f.b0 + f.b1 + f.b2 + f.a1 + f.a2));
+                ASSERT_LT(std::abs(f.a2), 1) << rate << ' ' << i << ' ' << gain;
+                ASSERT_LT(std::abs(f.a1), 1 + f.a2) << rate << ' ' << i << ' ' << gain;
+                ASSERT_EQ(f.isIdentity(), gain == 0 || kFrequencies[i] >= 0.49 * rate);
+            }
+}
+
+void prepareFlat(EqUnit& eq, int rate, int channels = 2) {
+    for (int i = 0; i < eq.bands(); ++i)
+        eq.setBand(i, graphicBand(i));
+    eq.setBypass(false);
+    eq.prepare(format(rate, channels));
+}
+
+TEST(EqUnit, BoostAndCutNull) {
+    EqUnit boost(10);
+    EqUnit cut(10);
+    for (int i = 0; i < 10; ++i) {
+        const float gain = i % 2 ? 12.0f : -7.0f;
+        boost.setBand(i, graphicBand(i, gain));
+        cut.setBand(i, graphicBand(i, -gain));
+    }
+    for (EqUnit* eq : {&boost, &cut}) {
+        eq->setBypass(false);
+        eq->prepare(format(48000));
+    }
+    const Stream input = Stream::noise(1, 48000, 0.1f);
+    Stream output = input;
+    run(boost, output);
+    run(cut, output);
+    double rest = 0;
+    double all = 0;
+    for (std::size_t i = 0; i < input.pairs[0].size(); ++i) {
+        const auto x = static_cast<double>(input.pairs[0][i]);
+        const double d = static_cast<double>(output.pairs[0][i]) - x;
+        rest += d * d;
+        all += x * x;
+    }
+    EXPECT_LT(10 * std::log10(rest / all), -130);
+}
+
+TEST(EqUnit, MeasuresAsDesigned) {
+    constexpr int kRate = 48000;
+    for (const int bands : {1, 2, 3, 7, 10}) {
+        EqUnit eq(bands);
+        for (int i = 0; i < bands; ++i)
+            eq.setBand(i, graphicBand(i, i % 3 ? 9.0f : -6.0f));
+        eq.setBypass(false);
+        eq.setGlobalGain(-6.0f);
+        eq.prepare(format(kRate, 4));
+        Stream impulse(2, 1 << 15);
+        impulse.pairs[0][0] = 0.5f;
+        impulse.pairs[1][1] = 0.25f; // the other pair's right side
+        run(eq, impulse);
+        for (const double hz : {40.0, 130.0, 1000.0, 7000.0, 15000.0}) {
+            double expected = -6;
+            for (int i = 0; i < bands; ++i)
+                expected +=
+                    digitalDb(designBiquad(graphicBand(i), i % 3 ? 9 : -6, kRate), hz, kRate);
+            Complex sums[2];
+            for (std::size_t n = 0; n < 1 << 15; ++n) {
+                const Complex turn = std::polar(1.0, -2 * pi * hz / kRate * static_cast<double>(n));
+                sums[0] += turn * static_cast<double>(impulse.pairs[0][2 * n]);
+                sums[1] += turn * static_cast<double>(impulse.pairs[1][2 * n + 1]);
+            }
+            EXPECT_NEAR(decibels(std::abs(sums[0]) / 0.5), expected, 0.002) << bands << ' ' << hz;
+            EXPECT_NEAR(decibels(std::abs(sums[1]) / 0.25), expected, 0.002) << bands << ' ' << hz;
+        }
+    }
+}
+
+TEST(EqUnit, WideAndPortableCodeGiveTheSameSamples) {
+    std::vector<float> outputs[2];
+    for (const bool wide : {false, true}) {
+        EqUnit eq(10);
+        prepareFlat(eq, 48000);
+        eq.useWideVectors(wide);
+        Stream stream = Stream::noise(1, 20000, 0.2f);
+        const float gains[10] = {6, 4, -3, 2, -2, 3, -4, 2, 5, 6};
+        run(eq, stream, {{100, [&] { eq.rampGains(gains, 8, 720); }}});
+        outputs[wide ? 1 : 0] = stream.pairs[0];
+    }
+    for (std::size_t i = 0; i < outputs[0].size(); ++i)
+        ASSERT_NEAR(outputs[0][i], outputs[1][i], 1e-6f) << i;
+}
+
+TEST(EqUnit, AddsNoDistortion) {
+    EqUnit eq(10);
+    prepareFlat(eq, 48000);
+    const float gains[10] = {6, 4, -3, 2, -2, -6, -4, 2, 5, 6};
+    for (int i = 0; i < 10; ++i)
+        eq.setBand(i, graphicBand(i, gains[i]));
+    eq.reset();
+    Stream stream = Stream::ofMono(quorel::test::sine(0.89, 997, 48000, 96000));
+    run(eq, stream);
+    EXPECT_LE(quorel::test::thdPlusNoiseDb(stream.left(48000), 48000, 997), -135);
+}
+
+TEST(EqUnit, RampsWithoutSplatterAndEndsTransparent) {
+    constexpr int kRate = 48000;
+    constexpr int kFrames = 1 << 15;
+    for (const float gain : {12.0f, -12.0f}) {
+        EqUnit eq(10);
+        prepareFlat(eq, kRate);
+        float target[10] = {};
+        target[5] = gain;
+        const float flat[10] = {};
+        const auto tone = quorel::test::sine(0.25, 997, kRate, 3 * kFrames);
+        Stream stream = Stream::ofMono(tone);
+        run(eq, stream,
+            {{10000, [&] { eq.rampGains(target, 8, 720); }},
+             {kFrames + 10000, [&] { eq.rampGains(flat, 8, 720); }}});
+        const auto out = stream.left();
+        for (const std::size_t part : {0, 1}) {
+            const std::span<const float> window(out.data() + part * kFrames, kFrames);
+            EXPECT_LE(quorel::test::splatterDb(window, kRate, 997, 300), -88)
+                << gain << " part " << part;
+        }
+        for (std::size_t i = 2 * kFrames; i < out.size(); ++i)
+            ASSERT_EQ(out[i], tone[i]) << gain << ' ' << i;
+    }
+}
+
+TEST(EqUnit, ReportsTheGainThatARampHasReachedAndContinuesFromIt) {
+    EqUnit eq(2);
+    prepareFlat(eq, 48000);
+    const float up[2] = {8, -4};
+    const float down[2] = {0, 0};
+    Stream stream(1, 48000);
+    run(eq, stream,
+        {{0, [&] { eq.rampGains(up, 8, 100); }},
+         {400, // half way
+          [&] {
+              EXPECT_NEAR(eq.gain(0), 4, 1e-5);
+              EXPECT_NEAR(eq.gain(1), -2, 1e-5);
+              eq.rampGains(down, 4, 100);
+          }},
+         {500, [&] { EXPECT_NEAR(eq.gain(0), 3, 1e-5); }},
+         {800, [&] { EXPECT_EQ(eq.gain(0), 0); }},
+         {900, [&] { eq.rampGlobalGain(std::nanf(""), 10, 960), eq.setGain(1, 500); }},
+         {5000, [&] {
+              EXPECT_EQ(eq.globalGain(), 0);
+              EXPECT_EQ(eq.gain(1), kMaxBandGainDb);
+          }}});
+}
+
+TEST(EqUnit, BypassIsTransparentOnceFaded) {
+    EqUnit eq(10);
+    for (int i = 0; i < 10; ++i)
+        eq.setBand(i, graphicBand(i, 6));
+    eq.setBypass(false);
+    eq.prepare(format(48000));
+    const auto tone = quorel::test::sine(0.2, 997, 48000, 1 << 15);
+    Stream stream = Stream::ofMono(tone);
+    run(eq, stream, {{10000, [&] { eq.setBypass(true); }}});
+    EXPECT_TRUE(eq.bypassed());
+    const auto out = stream.left();
+    EXPECT_NE(out[10360], tone[10360]);
+    for (std::size_t i = 10720; i < out.size(); ++i)
+        ASSERT_EQ(out[i], tone[i]) << i;
+}
+
+} // namespace
+} // namespace quorel::rt::test

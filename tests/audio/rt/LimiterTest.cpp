@@ -1,0 +1,161 @@
+#include "Stream.h"
+#include "audio/rt/DenormalGuard.h"
+#include "audio/rt/DynamicsProcessor.h"
+#include "audio/rt/EqUnit.h"
+#include "audio/rt/Mixer.h"
+#include "audio/rt/PeakLimiter.h"
+#include "audio/rt/Sanitise.h"
+#include "support/Spectrum.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace quorel::rt::test {
+namespace {
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+TEST(PeakLimiter, NeverExceedsTheCeilingAndComesBackToExactlyOne) {
+    for (const int rate : {8000, 11025, 44100, 48000, 96000, 384000})
+        for (const int channels : {1, 2, 6}) {
+            PeakLimiter limiter;
+            limiter.setPreGain(2.0f);
+            limiter.prepare(format(rate, channels));
+            limiter.setPreGain(0.0f);
+            const auto busy = static_cast<std::size_t>(rate / 4);
+            const Stream quiet = Stream::noise((channels + 1) / 2, rate / 4 + 2 * rate, 0.1f, 7);
+            Stream stream = quiet;
+            std::mt19937 random(static_cast<unsigned>(rate + channels));
+            constexpr float kPeaks[] = {1e4f, -1e4f, 3e38f,     1.0f,       -1.0f, 1.001f,
+                                        5.0f, kNan,  kInfinity, -kInfinity, 40.0f, -2.0f};
+            for (auto& pair : stream.pairs)
+                for (std::size_t i = 0; i < busy; ++i)
+                    if (const auto draw = random(); draw % 29 == 0)
+                        pair[2 * i + draw / 29 % 2] = kPeaks[draw / 64 % std::size(kPeaks)];
+            run(limiter, stream);
+            for (const auto& pair : stream.pairs)
+                for (const float x : pair)
+                    ASSERT_LE(std::abs(x), PeakLimiter::kCeiling) << rate << ' ' << channels;
+            EXPECT_EQ(limiter.limitingGain(), 1.0f) << rate;
+            // In the last second it is a mere delay again.
+            const auto latency = 2 * static_cast<std::size_t>(limiter.latencyFrames());
+            for (std::size_t p = 0; p < stream.pairs.size(); ++p)
+                for (std::size_t i = stream.pairs[p].size() - 2 * static_cast<std::size_t>(rate);
+                     i < stream.pairs[p].size(); ++i)
+                    ASSERT_EQ(stream.pairs[p][i], quiet.pairs[p][i - latency]) << rate << ' ' << i;
+        }
+}
+
+TEST(PeakLimiter, AtUnityIsAnExactDelayThatResetEmpties) {
+    PeakLimiter limiter;
+    limiter.prepare(format(48000));
+    EXPECT_EQ(limiter.latencyFrames(), 72);
+    const Stream in = Stream::noise(1, 3000, 0.1f);
+    Stream out = in;
+    run(limiter, out, {{1000, [&] { limiter.reset(); }}});
+    for (std::size_t i = 0; i < 6000; ++i) {
+        const bool empty = i < 144 || (i >= 2000 && i < 2144);
+        ASSERT_EQ(out.pairs[0][i], empty ? 0.0f : in.pairs[0][i - 144]) << i;
+    }
+}
+
+TEST(PeakLimiter, TurnsASineDownCleanly) {
+    PeakLimiter limiter;
+    limiter.setPreGain(6.0f);
+    limiter.prepare(format(48000));
+    Stream stream = Stream::ofMono(quorel::test::sine(0.89, 997, 48000, 144000));
+    run(limiter, stream);
+    EXPECT_LE(quorel::test::thdPlusNoiseDb(stream.left(96000), 48000, 997), -100);
+}
+
+/// The player's whole chain as one node.
+class Chain final : public Node {
+  public:
+    Chain() {
+        for (int i = 0; i < 10; ++i)
+            eq_.setBand(i, {.type = i == 0   ? FilterType::LowShelf
+                                    : i == 9 ? FilterType::HighShelf
+                                             : FilterType::Parametric,
+                            .frequencyHz = 31.25 * (1 << i),
+                            .gainDb = i % 2 ? 12.0f : -12.0f});
+        tone_.setBand(0, {.type = FilterType::LowShelf, .frequencyHz = 100, .gainDb = 96});
+        eq_.setBypass(false);
+        tone_.setBypass(false);
+        dynamics_.setParameters({-22, 10, 0.015f, 0.18f, 5.775f});
+        dynamics_.setBypass(false);
+        limiter_.setPreGain(-0.8f);
+    }
+    void prepare(const Format& format) override {
+        for (Node* node : nodes_)
+            node->prepare(format);
+    }
+    void reset() noexcept override {}
+    void process(Block& block) noexcept override {
+        const DenormalGuard guard;
+        sanitise(block);
+        for (Node* node : nodes_)
+            node->process(block);
+    }
+
+  private:
+    EqUnit eq_{10};
+    EqUnit tone_{2};
+    DynamicsProcessor dynamics_;
+    PeakLimiter limiter_;
+    Mixer mixer_;
+    std::array<Node*, 5> nodes_{&eq_, &dynamics_, &tone_, &limiter_, &mixer_};
+};
+
+TEST(Chain, RecoversFromBadSamplesWithinASecond) {
+    for (const int rate : {8000, 48000, 192000}) {
+        const auto second = static_cast<std::size_t>(rate);
+        Stream good = Stream::noise(1, 3 * rate, 0.1f);
+        for (const float bad : {kNan, kInfinity, -kInfinity, 3e38f, 1e-42f}) {
+            Stream damaged = good;
+            std::fill_n(damaged.pairs[0].begin() + rate, 200, bad);
+            Stream reference = good;
+            for (Stream* stream : {&reference, &damaged}) {
+                Chain chain;
+                chain.prepare(format(rate));
+                run(chain, *stream);
+            }
+            for (const float x : damaged.pairs[0])
+                ASSERT_LE(std::abs(x), 1.0f) << bad;
+            for (std::size_t i = 2 * 2 * second; i < damaged.pairs[0].size(); ++i)
+                ASSERT_NEAR(damaged.pairs[0][i], reference.pairs[0][i], 0.03) << rate << ' ' << bad;
+        }
+    }
+}
+
+TEST(EqUnit, SurvivesWhatNoFilterShouldBeFed) {
+    EqUnit eq(10);
+    for (int i = 0; i < 10; ++i)
+        eq.setBand(i, {.frequencyHz = 1000, .gainDb = 500});
+    eq.setBypass(false);
+    eq.prepare(format(48000));
+    for (const float bad : {kNan, kInfinity, 3e38f, 64.0f}) {
+        Stream stream(1, 4096);
+        std::fill_n(stream.pairs[0].begin(), 400, bad);
+        run(eq, stream);
+        for (const float x : stream.pairs[0])
+            ASSERT_TRUE(std::isfinite(x)) << bad;
+    }
+}
+
+TEST(Sanitise, KeepsGoodSamplesAndReplacesBadOnes) {
+    constexpr float kRows[][2] = {{0.5f, 0.5f}, {-64, -64}, {1e4f, 64},     {-1e4f, -64},
+                                  {kNan, 0},    {-kNan, 0}, {kInfinity, 0}, {-kInfinity, 0}};
+    for (const auto& [in, expected] : kRows) {
+        std::vector<float> samples(2 * 21, in);
+        Block block{{samples.data()}, 1, 21};
+        sanitise(block);
+        for (const float x : samples)
+            EXPECT_EQ(x, expected);
+    }
+}
+
+} // namespace
+} // namespace quorel::rt::test
