@@ -1,9 +1,10 @@
 // Seconds to write and to read the state of 100,000 tracks, beside Qt's JSON classes in the same
 // run, and of 1,000,000 tracks by ours alone. Ends with the ratios. The text to read is given away
 // and the records read are destroyed outside the measured time.
+#include "model/Json.h"
+
 #include "QJsonForm.h"
 #include "SampleState.h"
-#include "model/Json.h"
 
 #include <benchmark/benchmark.h>
 
@@ -87,7 +88,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs)
-            times_[run.run_name.function_name + '/' + run.run_name.args] = run.GetAdjustedRealTime();
+            times_[run.run_name.function_name + '/' + run.run_name.args] =
+                run.GetAdjustedRealTime();
     }
 
     void printRatio(const std::string& text, const std::string& slow, const std::string& fast) {

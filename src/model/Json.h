@@ -17,9 +17,9 @@ QByteArray toJson(const Record& record);
 
 /// The record that the text holds, or nothing where it is not JSON in UTF-8, or a value is not of
 /// its key's type, an integer is not whole or leaves 64 bits, a string is no UUID or no case of its
-/// enumeration, a required key is missing, a known one stands twice, or objects nest deeper than 64.
-/// A whole number such as 3.0 is an integer. null means absent, for optional values only. Unknown
-/// keys are ignored. Safe for any bytes. Fastest where the caller gives its array away.
+/// enumeration, a required key is missing, a known one stands twice, or objects nest deeper
+/// than 64. A whole number such as 3.0 is an integer. null means absent, for optional values only.
+/// Unknown keys are ignored. Safe for any bytes. Fastest where the caller gives its array away.
 template <class Record>
 std::optional<Record> fromJson(QByteArray json);
 

@@ -1,5 +1,6 @@
-#include "model/Path.h"
 #include "model/Track.h"
+
+#include "model/Path.h"
 
 #include <gtest/gtest.h>
 
@@ -67,7 +68,7 @@ TEST(Path, keepsAnyBytes) {
         "/plain/ascii.mp3",
         "/caf\xC3\xA9/\xE6\x98\xA5/\xF0\x9F\x8E\xB5.mp3",
         "/latin1/Bj\xF6rk.mp3",
-        "/\xFF\xFE/\x80\xC3",                                // a cut sequence at the end
+        "/\xFF\xFE/\x80\xC3", // a cut sequence at the end
         "/overlong \xC0\xAF, surrogate \xED\xA0\x80, beyond \xF4\x90\x80\x80",
         "/the escapes themselves \xF4\x8F\xBA\x80 \xF4\x8F\xBB\xBF",
         "/their neighbours \xF4\x8F\xB9\xBF \xF4\x8F\xBC\x80",

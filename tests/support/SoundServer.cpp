@@ -21,6 +21,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
+constexpr const char* kSurround = "front-left,front-right,front-center,lfe,rear-left,rear-right";
+
 bool isInstalled(const std::string& program) {
     const char* path = std::getenv("PATH");
     std::istringstream directories(path ? path : "/usr/bin");
@@ -152,8 +154,7 @@ void SoundServer::load(const std::string& name, Sink& sink) {
                                      "format=float32le",
                                      "sink_properties=device.description=The-" + name};
     if (sink.channels == 6) {
-        command.emplace_back("channel_map=front-left,front-right,front-center,lfe,rear-left,"
-                             "rear-right");
+        command.push_back(std::string("channel_map=") + kSurround);
     }
     if (kind_ == Kind::PulseAudio) {
         // Without it a null sink renders 2 s at a time, which no device does.
@@ -203,11 +204,14 @@ Recorder::Recorder(const std::string& sink, int rate, int channels) {
     if (pipe2(pipe_, O_CLOEXEC) != 0) {
         throw std::runtime_error("cannot make a pipe");
     }
-    process_ = ChildProcess({"parec", "-d", sink + ".monitor", "--format=float32le", "--raw",
-                             "--rate=" + std::to_string(rate),
-                             "--channels=" + std::to_string(channels), "--latency-msec=20",
-                             "--no-remix", "--no-remap"},
-                            "/dev/null", pipe_[1]);
+    std::vector<std::string> command{"parec", "-d", sink + ".monitor", "--format=float32le",
+                                     "--raw", "--rate=" + std::to_string(rate),
+                                     "--channels=" + std::to_string(channels),
+                                     "--latency-msec=20"};
+    if (channels == 6) {
+        command.push_back(std::string("--channel-map=") + kSurround);
+    }
+    process_ = ChildProcess(command, "/dev/null", pipe_[1]);
     close(pipe_[1]);
     reader_ = std::thread([this] { read(); });
     waitFor("the recorder", [this] { return !samples().empty(); });

@@ -1,5 +1,6 @@
 #include "support/Spectrum.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <complex>
@@ -38,9 +39,10 @@ void transform(std::vector<Complex>& x) {
     }
 }
 
-double blackmanHarris(double position) {
-    const double w = 2 * pi * position;
-    return 0.35875 - 0.48829 * std::cos(w) + 0.14128 * std::cos(2 * w) - 0.01168 * std::cos(3 * w);
+/// 1 in the middle half, raised-cosine flanks outside; `position` is 0..1.
+double flatTop(double position) {
+    const double edge = 4 * std::min(position, 1 - position);
+    return edge < 1 ? 0.5 - 0.5 * std::cos(pi * edge) : 1;
 }
 
 double db(double powerRatio) {
@@ -50,22 +52,19 @@ double db(double powerRatio) {
 } // namespace
 
 double splatterDb(std::span<const float> samples, double sampleRate, double toneHz,
-                  double guardHz) {
+                  double toneAmplitude, double guardHz) {
     const auto n = static_cast<double>(samples.size());
     std::vector<Complex> x(samples.size());
     for (std::size_t i = 0; i < x.size(); ++i)
-        x[i] = static_cast<double>(samples[i]) * blackmanHarris(static_cast<double>(i) / n);
+        x[i] = static_cast<double>(samples[i]) * flatTop(static_cast<double>(i) / n);
     transform(x);
-    double near = 0;
     double far = 0;
-    for (std::size_t k = 0; k <= x.size() / 2; ++k) {
-        const double hz = static_cast<double>(k) * sampleRate / n;
-        if (std::abs(hz - toneHz) <= guardHz)
-            near += std::norm(x[k]);
-        else if (hz > 20)
+    for (std::size_t k = 0; k < x.size() / 2; ++k)
+        if (const double hz = static_cast<double>(k) * sampleRate / n;
+            hz > 20 && std::abs(hz - toneHz) > guardHz)
             far += std::norm(x[k]);
-    }
-    return db(far / near);
+    const double energy = 2 * far / n / sampleRate;
+    return db(energy / (0.5 * toneAmplitude * toneAmplitude));
 }
 
 double thdPlusNoiseDb(std::span<const float> samples, double sampleRate, double toneHz) {

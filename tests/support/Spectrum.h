@@ -5,9 +5,11 @@
 
 namespace quorel::test {
 
-/// Power in dB of everything more than `guardHz` away from a tone (and above 20 Hz), relative to
-/// what is nearer, by a Blackman-Harris window over all samples, whose number is a power of two.
-double splatterDb(std::span<const float> samples, double sampleRate, double toneHz, double guardHz);
+/// Energy in dB of everything more than `guardHz` away from a tone (and above 20 Hz), relative to
+/// one second of that tone at `toneAmplitude`. Looks at the middle half of the samples, whose
+/// number is a power of two; the outer quarters are faded out.
+double splatterDb(std::span<const float> samples, double sampleRate, double toneHz,
+                  double toneAmplitude, double guardHz);
 
 /// Total harmonic distortion and noise in dB: what remains of the samples without the sine at
 /// `toneHz` and a constant, both fitted by least squares.

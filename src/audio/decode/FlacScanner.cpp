@@ -48,7 +48,7 @@ void FlacScanner::learnNumbering() {
     if (!header) {
         return;
     }
-    if (first_.offset != begin_ && like_.blockFrames == 0) {
+    if (like_.blockFrames == 0) {
         like_ = *header;
     }
     const int64_t step = next ? next->number - header->number : 0;

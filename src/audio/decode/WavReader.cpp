@@ -56,8 +56,7 @@ class Walker {
     const AudioSource& source_;
     std::endian order_ = std::endian::little;
     uint32_t riffBytes_ = 0;
-    std::optional<int64_t>
-        longDataBytes_; // RF64's data size, which has no room in the chunk itself
+    int64_t longDataBytes_ = INT64_MAX; // RF64's data size, which has no room in the chunk itself
 };
 
 Chunks Walker::walk() {
@@ -98,7 +97,7 @@ Chunks Walker::walk() {
 int64_t Walker::dataBytes(int64_t offset, uint32_t stated) const {
     const int64_t present = std::max<int64_t>(0, source_.end - offset);
     if (stated == kUnknownSize) {
-        return std::min(longDataBytes_.value_or(present), present);
+        return std::min(longDataBytes_, present);
     }
     const bool finished = source_.begin + 8 + riffBytes_ == source_.file.size();
     return stated == 0 && !finished ? present : std::min<int64_t>(stated, present);

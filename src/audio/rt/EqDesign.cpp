@@ -88,9 +88,13 @@ Biquad match(const EqBand& band, double gainDb, double sampleRate) {
     }
     const double b0 = analog.power(0) * a0;
     const double b1 = analog.power(pi / w0) * a1;
-    const double b2 = (power - b0 * phi0 - b1 * phi1) / phi2;
     const double mean = 0.5 * (std::sqrt(b0) + std::sqrt(b1));
-    filter.b0 = 0.5 * (mean + std::sqrt(std::max(0.0, mean * mean + b2)));
+    // A high shelf of more than 20 dB may ask for less at the third point than zeros inside the
+    // unit circle can give. They keep a quarter of the distance that the analog zeros would have.
+    const double decay = analog.n2 > 0 ? 0.25 * analog.n1 / analog.n2 * w0 : 0;
+    const double least = -mean * mean / (std::cosh(decay / 2) * std::cosh(decay / 2));
+    const double b2 = std::max((power - b0 * phi0 - b1 * phi1) / phi2, least);
+    filter.b0 = 0.5 * (mean + std::sqrt(mean * mean + b2));
     filter.b1 = 0.5 * (std::sqrt(b0) - std::sqrt(b1));
     filter.b2 = -b2 / (4 * filter.b0);
     return filter;

@@ -73,7 +73,6 @@ TEST(EqDesign, FollowsTheAnalogCurve) {
                     worst = std::max(worst, std::abs(error));
                 }
         EXPECT_LE(worst, row.toleranceDb) << row.rate << " Hz, bands up to " << row.upToHz;
-        ::testing::Test::RecordProperty("error", std::to_string(worst));
     }
     for (const EqBand& pass : {EqBand{.type = FilterType::HighPass, .frequencyHz = 30},
                                EqBand{.type = FilterType::LowPass, .frequencyHz = 5000}})
@@ -192,6 +191,7 @@ TEST(EqUnit, RampsWithoutSplatterAndEndsTransparent) {
     for (const float gain : {12.0f, -12.0f}) {
         EqUnit eq(10);
         prepareFlat(eq, kRate);
+        const double loud = gain > 0 ? 1.0 : 0.25; // the tone's greater amplitude
         float target[10] = {};
         target[5] = gain;
         const float flat[10] = {};
@@ -203,7 +203,7 @@ TEST(EqUnit, RampsWithoutSplatterAndEndsTransparent) {
         const auto out = stream.left();
         for (const std::size_t part : {0, 1}) {
             const std::span<const float> window(out.data() + part * kFrames, kFrames);
-            EXPECT_LE(quorel::test::splatterDb(window, kRate, 997, 300), -88)
+            EXPECT_LE(quorel::test::splatterDb(window, kRate, 997, loud, 300), -88)
                 << gain << " part " << part;
         }
         for (std::size_t i = 2 * kFrames; i < out.size(); ++i)

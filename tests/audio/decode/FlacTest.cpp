@@ -1,0 +1,218 @@
+#include "support/AudioFixtures.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace quorel::test {
+
+namespace {
+
+constexpr int64_t kFrames = 330001;
+
+struct FlacCase {
+    const char* name;
+    int channels;
+    int bits;
+    std::vector<std::string> options;
+    std::string (*change)(std::string bytes) = nullptr; // done to the encoded file
+};
+
+void PrintTo(const FlacCase& flac, std::ostream* out) {
+    *out << flac.name;
+}
+
+// STREAMINFO's total is the low 36 bits of the 8 bytes at byte 18.
+std::string withTotal(std::string bytes, uint64_t total) {
+    std::string field;
+    for (int shift = 32; shift >= 0; shift -= 8) {
+        field += static_cast<char>(total >> shift & 0xFF);
+    }
+    field[0] = static_cast<char>(field[0] | (bytes.at(21) & 0xF0));
+    return bytes.replace(21, field.size(), field);
+}
+
+std::string withoutTotal(std::string bytes) {
+    return withTotal(std::move(bytes), 0);
+}
+std::string withShortTotal(std::string bytes) {
+    return withTotal(std::move(bytes), 1000);
+}
+std::string withLongTotal(std::string bytes) {
+    return withTotal(std::move(bytes), 9'000'000);
+}
+std::string behindId3(std::string bytes) {
+    std::string tags("ID3\4\0\0\0\0\2\1", 10);
+    tags.append(257, 'x');
+    tags.append("ID3\3\0\0\0\0\0\5", 10);
+    tags.append(5, '\0');
+    return tags.append(bytes);
+}
+std::string beforeId3v1(std::string bytes) {
+    return withoutTotal(std::move(bytes)).append("TAG").append(125, ' ');
+}
+
+const FlacCase kCases[] = {
+    {"8 bits mono", 1, 8, {}},
+    {"12 bits", 2, 12, {}},
+    {"16 bits", 2, 16, {}},
+    {"20 bits", 2, 20, {}},
+    {"24 bits", 2, 24, {}},
+    {"32 bits", 2, 32, {}},
+    {"3 channels", 3, 16, {}},
+    {"4 channels", 4, 16, {}},
+    {"5 channels", 5, 16, {}},
+    {"5.1", 6, 24, {}},
+    {"7 channels", 7, 16, {}},
+    {"7.1", 8, 16, {}},
+    {"small blocks", 2, 16, {"--blocksize=1152"}},
+    {"tiny blocks", 1, 16, {"--blocksize=16", "--lax"}},
+    {"large blocks", 2, 24, {"--blocksize=65535", "--lax"}},
+    {"no total", 2, 16, {}, withoutTotal},
+    {"total too short", 2, 16, {}, withShortTotal},
+    {"total too long", 2, 16, {}, withLongTotal},
+    {"behind two ID3v2 tags", 2, 16, {}, behindId3},
+    {"no total, before an ID3v1 tag", 2, 16, {}, beforeId3v1},
+};
+
+class FlacTest : public testing::TestWithParam<FlacCase> {
+  protected:
+    void SetUp() override {
+        if (!hasTool("flac")) {
+            GTEST_SKIP() << "flac is not installed";
+        }
+    }
+    TemporaryFolder folder_;
+};
+
+std::string encode(const TemporaryFolder& folder, const TestSound& sound,
+                   const std::vector<std::string>& options = {}) {
+    static constexpr uint32_t kMasks[] = {0, 4, 3, 7, 0x33, 0x37, 0x3F, 0x70F, 0x63F};
+    const std::string wav =
+        folder.write("in.wav", wavBytes(sound, {.mask = kMasks[sound.channels]}));
+    std::vector<std::string> command{"flac",           "-s",           "-f", "-0",
+                                     "--no-seektable", "--no-padding", "-o", folder.path("a.flac")};
+    command.insert(command.end(), options.begin(), options.end());
+    command.push_back(wav);
+    EXPECT_TRUE(runTool(command));
+    return readFile(folder.path("a.flac"));
+}
+
+// Reads of odd lengths at 30 places, with some pairs near each other, against the true samples.
+void expectExactSeeks(AudioFile& file, const std::vector<float>& sound) {
+    std::minstd_rand random(3);
+    const int64_t channels = file.channels();
+    for (int i = 0; i < 30; ++i) {
+        const auto target = static_cast<int64_t>(random()) % file.length();
+        ASSERT_TRUE(file.seek(target));
+        EXPECT_EQ(file.position(), target);
+        const std::vector<float> got = readAll(file, i % 3 == 0 ? 5000 : 137);
+        const auto count = std::min<int64_t>(i % 3 == 0 ? 5000 : 137, file.length() - target);
+        ASSERT_EQ(got.size(), static_cast<std::size_t>(count * channels));
+        ASSERT_TRUE(std::equal(got.begin(), got.end(), sound.begin() + target * channels))
+            << "after seeking to " << target;
+    }
+    for (const int64_t end : {file.length(), file.length() + 5}) {
+        EXPECT_TRUE(file.seek(end));
+        EXPECT_EQ(file.position(), file.length());
+        EXPECT_TRUE(readAll(file).empty());
+    }
+    EXPECT_TRUE(file.seek(-7));
+    EXPECT_EQ(readAll(file, 1).size(), static_cast<std::size_t>(channels));
+}
+
+TEST_P(FlacTest, GivesEverySampleExactlyFromAnyPlace) {
+    const FlacCase& flac = GetParam();
+    const int64_t frames = flac.channels > 4 ? kFrames / 4 : kFrames;
+    const TestSound sound(frames, flac.channels, flac.bits);
+    const std::vector<float> expected = sound.asFloat();
+    std::string bytes = encode(folder_, sound, flac.options);
+    if (flac.change != nullptr) {
+        bytes = flac.change(std::move(bytes));
+    }
+    const auto [file, error] = AudioFile::open(folder_.write("a.flac", bytes));
+    ASSERT_TRUE(file) << error;
+    ASSERT_EQ(file->length(), frames);
+    EXPECT_EQ(file->sampleRate(), 44100);
+    EXPECT_EQ(file->format().layout, rt::ChannelLayout::usual(flac.channels));
+    EXPECT_NEAR(file->dataRate() * static_cast<double>(frames) / 44100 / 8,
+                static_cast<double>(bytes.size()), 1000);
+    ASSERT_TRUE(readAll(*file) == expected);
+    expectExactSeeks(*file, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(, FlacTest, testing::ValuesIn(kCases));
+
+class FlacFileTest : public FlacTest {};
+
+TEST_F(FlacFileTest, TakesItsLayoutFromTheChannelMaskComment) {
+    const TestSound sound(5000, 6, 16);
+    encode(folder_, sound, {"--tag=waveformatextensible_channel_mask=0x060F"});
+    const auto file = AudioFile::open(folder_.path("a.flac")).file;
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->format().layout.speakers[4], rt::Speaker::SideLeft);
+    EXPECT_EQ(file->format().layout.speakers[5], rt::Speaker::SideRight);
+}
+
+TEST_F(FlacFileTest, PlaysWhatIsThereOfAFileThatBreaksOff) {
+    const TestSound sound(kFrames, 2, 16);
+    const std::vector<float> expected = sound.asFloat();
+    const std::string bytes = encode(folder_, sound);
+    for (const std::string& head : {bytes, withoutTotal(bytes)}) {
+        const bool stated = head == bytes;
+        const auto file =
+            AudioFile::open(folder_.write("a.flac", head.substr(0, bytes.size() * 6 / 10))).file;
+        ASSERT_TRUE(file);
+        const std::vector<float> got = readAll(*file);
+        const auto frames = static_cast<int64_t>(got.size() / 2);
+        EXPECT_GT(frames, kFrames / 2);
+        EXPECT_LT(frames, kFrames * 7 / 10);
+        EXPECT_EQ(file->length(), stated ? kFrames : frames);
+        EXPECT_TRUE(std::equal(got.begin(), got.end(), expected.begin()));
+        ASSERT_TRUE(file->seek(kFrames - 1));
+        EXPECT_TRUE(readAll(*file).empty());
+    }
+    // The head alone, then also a first frame that is not whole.
+    for (const std::size_t size : {std::size_t{42}, bytes.find("\xFF\xF8", 42) + 200}) {
+        const auto file = AudioFile::open(folder_.write("a.flac", bytes.substr(0, size))).file;
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(readAll(*file).empty());
+    }
+    EXPECT_FALSE(AudioFile::open(folder_.write("a.flac", bytes.substr(0, 41))).file);
+}
+
+TEST_F(FlacFileTest, KeepsTheTimeAcrossDamage) {
+    const TestSound sound(kFrames, 2, 16);
+    const std::vector<float> expected = sound.asFloat();
+    const std::string whole = encode(folder_, sound);
+    const struct {
+        const char* name;
+        std::string bytes;
+    } cases[] = {
+        {"one byte", std::string(whole).replace(whole.size() / 2, 1, 1, '\x5A')},
+        {"overwritten", std::string(whole).replace(whole.size() / 3, 60000, 60000, '\xFF')},
+        {"cut out", std::string(whole).erase(whole.size() / 2, 50000)},
+        {"first frame", std::string(whole).replace(whole.find("\xFF\xF8", 42), 2000, 2000, 'x')},
+    };
+    for (const auto& damaged : cases) {
+        SCOPED_TRACE(damaged.name);
+        const auto file = AudioFile::open(folder_.write("a.flac", damaged.bytes)).file;
+        ASSERT_TRUE(file);
+        ASSERT_EQ(file->length(), kFrames);
+        const std::vector<float> got = readAll(*file);
+        ASSERT_EQ(got.size(), expected.size());
+        std::size_t lost = 0;
+        for (std::size_t i = 0; i < got.size(); ++i) {
+            lost += got[i] != expected[i] ? 1 : 0;
+            ASSERT_TRUE(got[i] == expected[i] || got[i] == 0) << i;
+        }
+        EXPECT_GT(lost, 0U);
+        EXPECT_LT(lost, 2U * 8 * 4096);
+        expectExactSeeks(*file, got);
+    }
+}
+
+} // namespace
+
+} // namespace quorel::test

@@ -1,0 +1,181 @@
+// The whole way to the ear: engine, worker and output thread on real sound servers, what arrives
+// there captured and compared frame by frame.
+#include "support/LivePlayer.h"
+#include "support/MadeFile.h"
+#include "support/SoundServer.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace quorel::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kRate = 48000;
+constexpr int64_t kEdge = 960;
+
+class LiveEngine : public testing::TestWithParam<SoundServer::Kind> {
+  protected:
+    void SetUp() override {
+        if (const auto missing = SoundServer::missingProgram(GetParam()); !missing.empty()) {
+            GTEST_SKIP() << missing << " is not installed";
+        }
+        server.emplace(GetParam());
+        server->addSink("sink_a");
+        server->start();
+        server->setDefault("sink_a");
+    }
+
+    static TrackToPlay track(int64_t frames, int64_t first = 0) {
+        return {std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)), QUuid::createUuid(), 0,
+                {}, 1.0};
+    }
+    /// Plays a track and waits until its start has been captured.
+    void playAloud(LivePlayer& player, Recorder& recorder, const TrackToPlay& wanted) {
+        ASSERT_TRUE(player.runUntil([&] { return player.engine.isOutputOpen(); }));
+        ASSERT_FALSE(player.engine.load(wanted, 0));
+        ASSERT_TRUE(player.runUntil([&] { return recorder.latest() != 0.0F; }));
+    }
+
+    /// Numbers of the ramp's frames in a capture, silence left out.
+    static std::vector<int64_t> heard(const std::vector<float>& capture) {
+        std::vector<int64_t> numbers;
+        for (std::size_t i = 0; i < capture.size(); i += 2) {
+            if (capture[i] != 0.0F) {
+                numbers.push_back(std::llround(static_cast<double>(capture[i]) /
+                                               std::pow(10.0, -0.8 / 20.0) * 1048576.0) -
+                                  1);
+            }
+        }
+        return numbers;
+    }
+    /// Places where the ramp does not go on with the next frame.
+    static std::vector<std::size_t> breaks(const std::vector<int64_t>& numbers) {
+        std::vector<std::size_t> places;
+        for (std::size_t i = 1; i < numbers.size(); ++i) {
+            if (numbers[i] != numbers[i - 1] + 1) {
+                places.push_back(i);
+            }
+        }
+        return places;
+    }
+
+    std::optional<SoundServer> server;
+};
+INSTANTIATE_TEST_SUITE_P(Servers, LiveEngine,
+                         testing::Values(SoundServer::Kind::PulseAudio,
+                                         SoundServer::Kind::PipeWire),
+                         [](const auto& kind) {
+                             return kind.param == SoundServer::Kind::PulseAudio ? "PulseAudio"
+                                                                                : "PipeWire";
+                         });
+
+TEST_P(LiveEngine, everyFrameOfJoinedTracksArrivesOnce) {
+    Recorder recorder("sink_a");
+    LivePlayer player;
+    playAloud(player, recorder, track(96001));
+    ASSERT_TRUE(player.engine.preloadNext(track(72000, 96001)));
+    ASSERT_TRUE(player.runUntil([&] { return player.ended == 1; }));
+    player.run(300ms);
+    const auto numbers = heard(recorder.samples());
+    ASSERT_EQ(numbers.size(), 168001U);
+    EXPECT_EQ(numbers.front(), 0);
+    EXPECT_TRUE(breaks(numbers).empty());
+    EXPECT_EQ(player.engine.outputCounts().underruns, 0);
+}
+
+TEST_P(LiveEngine, pauseAndSeekComeOutAtTheFrameAskedFor) {
+    Recorder recorder("sink_a");
+    LivePlayer player;
+    playAloud(player, recorder, track(960000));
+    player.run(500ms);
+    player.engine.pause(0);
+    ASSERT_TRUE(player.runUntil([&] { return recorder.latest() == 0.0F; }));
+    player.run(1000ms);
+    const auto paused = heard(recorder.samples());
+    player.engine.resume(0);
+    ASSERT_TRUE(player.runUntil([&] { return recorder.latest() != 0.0F; }));
+    player.run(300ms);
+    const auto resumed = heard(recorder.samples());
+    // The edges scale the numbers, the frames between them tell where the music went on.
+    ASSERT_GT(resumed.size(), paused.size() + 2 * kEdge);
+    EXPECT_NEAR(static_cast<double>(resumed[paused.size() + kEdge + 100]),
+                static_cast<double>(paused.size()) + kEdge + 100, 2);
+    player.engine.seek(10.0);
+    player.run(500ms);
+    player.engine.stop(0);
+    player.run(400ms);
+    const auto all = heard(recorder.samples());
+    const auto target = std::ranges::find(all, 480000 + kEdge);
+    ASSERT_NE(target, all.end());
+    EXPECT_EQ(*(target + 4000), 480000 + kEdge + 4000);
+    EXPECT_LT(player.longestTurn, 20ms);
+}
+
+TEST_P(LiveEngine, goesOnFromTheLastHeardFrameAfterTheServerDied) {
+    LivePlayer player;
+    int64_t before = 0;
+    {
+        Recorder recorder("sink_a");
+        playAloud(player, recorder, track(960000));
+        player.run(700ms);
+        before = static_cast<int64_t>(heard(recorder.samples()).size());
+        server->kill();
+    }
+    ASSERT_TRUE(player.runUntil([&] { return !player.engine.isOutputOpen(); }));
+    EXPECT_FALSE(player.engine.outputNotice().isEmpty());
+    const double held = player.engine.currentTime();
+    EXPECT_NEAR(held, static_cast<double>(before) / kRate, 0.25);
+    player.run(500ms);
+    EXPECT_EQ(player.engine.currentTime(), held);
+    EXPECT_TRUE(player.engine.isPlaying());
+    server->start();
+    Recorder recorder("sink_a");
+    ASSERT_TRUE(player.runUntil([&] { return player.engine.isOutputOpen(); }));
+    ASSERT_TRUE(player.runUntil([&] { return recorder.latest() != 0.0F; }));
+    player.run(300ms);
+    const auto numbers = heard(recorder.samples());
+    ASSERT_GT(numbers.size(), 3 * kEdge);
+    EXPECT_NEAR(static_cast<double>(numbers[2 * kEdge] - 2 * kEdge), held * kRate, 8192);
+    EXPECT_LT(player.longestTurn, 20ms);
+}
+
+TEST_P(LiveEngine, withoutAServerItWaitsAndThenPlays) {
+    server->kill();
+    LivePlayer player;
+    ASSERT_FALSE(player.engine.load(track(96000), 0));
+    player.run(700ms);
+    EXPECT_FALSE(player.engine.isOutputOpen());
+    EXPECT_FALSE(player.engine.outputNotice().isEmpty());
+    EXPECT_EQ(player.engine.currentTime(), 0);
+    server->start();
+    ASSERT_TRUE(player.runUntil([&] { return player.ended == 1; }));
+    EXPECT_LT(player.longestTurn, 20ms);
+}
+
+TEST_P(LiveEngine, aFrozenServerHoldsThePositionAndNotTheProgram) {
+    Recorder recorder("sink_a");
+    LivePlayer player;
+    playAloud(player, recorder, track(960000));
+    player.run(500ms);
+    server->freeze();
+    player.run(2500ms);
+    const double frozen = player.engine.currentTime();
+    EXPECT_LT(frozen, 1.5);
+    EXPECT_FALSE(player.engine.outputNotice().isEmpty());
+    player.engine.setVolume(0.5);
+    player.engine.seek(5);
+    player.engine.pause(0);
+    player.engine.resume(0);
+    player.run(300ms);
+    EXPECT_NEAR(player.engine.currentTime(), 5, 0.01);
+    server->thaw();
+    ASSERT_TRUE(player.runUntil([&] { return player.engine.currentTime() > 5.5; }));
+    EXPECT_TRUE(player.engine.outputNotice().isEmpty());
+    EXPECT_LT(player.longestTurn, 20ms);
+}
+
+} // namespace
+} // namespace quorel::test

@@ -1,0 +1,344 @@
+"""quorel-cli as a user meets it: cli_test.py PROGRAM [CASE...]"""
+import json
+import os
+import pty
+import re
+import select
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+import unittest
+
+import numpy as np
+
+# What a test needs of the outside world, and nothing more: no sound server is to be found.
+ENVIRONMENT = {**os.environ, "PULSE_SERVER": "unix:/nonexistent/native"}
+
+
+def writeWav(path, samples, rate):
+    """Stereo frames as 32-bit floats."""
+    data = samples.astype("<f4").tobytes()
+    fmt = struct.pack("<HHIIHH", 3, 2, rate, rate * 8, 8, 32)
+    with open(path, "wb") as file:
+        file.write(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVE" + b"fmt "
+                   + struct.pack("<I", 16) + fmt + b"data" + struct.pack("<I", len(data)) + data)
+
+
+def readWav(path):
+    """(format chunk, frame count of the fact chunk, samples); sizes have to fit the file."""
+    with open(path, "rb") as file:
+        data = file.read()
+    riff, size, wave = struct.unpack_from("<4sI4s", data)
+    assert (riff, size, wave) == (b"RIFF", len(data) - 8, b"WAVE"), (riff, size, wave)
+    chunks, at = {}, 12
+    while at < len(data):
+        name, size = struct.unpack_from("<4sI", data, at)
+        chunks[name] = data[at + 8:at + 8 + size]
+        assert len(chunks[name]) == size, name
+        at += 8 + size
+    return (struct.unpack_from("<HHIIHH", chunks[b"fmt "]),
+            struct.unpack("<I", chunks[b"fact"])[0],
+            np.frombuffer(chunks[b"data"], "<f4").reshape(-1, 2))
+
+
+def music(seconds, rate, level=0.1):
+    """Noise without what a rate conversion would take away; quiet enough for the limiter to rest."""
+    noise = np.random.default_rng(7).standard_normal((int(seconds * rate), 2))
+    spectrum = np.fft.rfft(noise, axis=0)
+    spectrum[int(len(spectrum) * 0.8):] = 0
+    return level * np.fft.irfft(spectrum, len(noise), axis=0)
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def wav(self, name, samples, rate):
+        writeWav(self.path(name), samples, rate)
+        return self.path(name)
+
+    def text(self, name, text):
+        with open(self.path(name), "w", encoding="utf-8") as file:
+            file.write(text)
+        return self.path(name)
+
+    def run_(self, *words):
+        return subprocess.run([program, *words], capture_output=True, timeout=60, check=False,
+                              env=ENVIRONMENT, text=True, cwd=self.folder)
+
+    def render(self, *words):
+        """The samples rendered and the report."""
+        out = self.path("out.wav")
+        result = self.run_("render", "-o", out, *words)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        report = json.loads(result.stdout)
+        (code, channels, rate, _, _, bits), fact, samples = readWav(out)
+        self.assertEqual((code, channels, bits), (3, 2, 32))
+        self.assertEqual((len(samples), fact), (report["frames"],) * 2)
+        self.assertAlmostEqual(report["seconds"], report["frames"] / rate, places=9)
+        self.assertGreater(report["x_realtime"], 0)
+        return samples, report
+
+
+class Usage(Case):
+    WRONG = [
+        ([], "no command is given"),
+        (["sing"], 'there is no command "sing"'),
+        (["play"], "nothing to play"),
+        (["play", "--loud", "a.wav"], 'no option "--loud"'),
+        (["play", "a.wav", "--output"], "--output needs a value"),
+        (["devices", "--json=yes"], "--json takes no value"),
+        (["devices", "all"], '"all" is one word too many'),
+        (["render", "a.wav"], "-o is missing"),
+        (["render", "-o", "out.wav"], "nothing to render"),
+        (["render", "-o", "out.wav", "--rate", "7999", "a.wav"], "7999"),
+        (["render", "-o", "out.wav", "--rate=44100Hz", "a.wav"], "44100Hz"),
+        (["render", "-o", "out.wav", "--gapless", "maybe", "a.wav"], "maybe"),
+    ]
+
+    def testWrong(self):
+        for words, said in self.WRONG:
+            with self.subTest(words=words):
+                result = self.run_(*words)
+                lines = result.stderr.splitlines()
+                self.assertEqual((result.returncode, result.stdout, len(lines)), (2, "", 2))
+                self.assertIn(said, lines[0])
+                self.assertTrue(lines[1].startswith("usage: quorel-cli"), lines[1])
+        self.assertEqual(os.listdir(self.folder), [])
+
+    def testHelp(self):
+        for words, said in [(["--help"], "render"), (["render", "--help"], "--gapless on|off"),
+                            (["--version"], "quorel-cli ")]:
+            with self.subTest(words=words):
+                result = self.run_(*words)
+                self.assertEqual((result.returncode, result.stderr), (0, ""))
+                self.assertIn(said, result.stdout)
+
+
+class Failures(Case):
+    def testOneLineAndNothingWritten(self):
+        track = self.wav("a.wav", music(0.3, 44100), 44100)
+        empty = self.wav("empty.wav", np.zeros((0, 2)), 44100)
+        noise = self.text("noise.wav", "this is no music")
+        os.mkdir(self.path("folder"))
+        before = sorted(os.listdir(self.folder))
+        out = self.path("out.wav")
+        for words, said in [
+                (["render", "-o", out, self.path("none.wav")], "none.wav"),
+                (["render", "-o", out, noise], "noise.wav"),
+                (["render", "-o", out, empty], "empty.wav"),
+                (["render", "-o", out, self.path("folder")], "folder"),
+                (["render", "-o", self.path("nowhere/out.wav"), track], "nowhere"),
+                (["render", "-o", self.path("folder"), track], "folder"),
+                (["render", "-o", out, "--settings", self.path("none"), track], "none"),
+                (["play", "--output", "null", self.path("none.wav")], "none.wav"),
+                (["devices"], "no sound server answers")]:
+            with self.subTest(words=words):
+                result = self.run_(*words)
+                self.assertEqual((result.returncode, result.stdout), (1, ""))
+                self.assertRegex(result.stderr, r"^quorel-cli: [^\n]*" + said + r"[^\n]*\n$")
+                self.assertEqual(sorted(os.listdir(self.folder)), before)
+
+    def testSettingsThatAreNone(self):
+        track = self.wav("a.wav", music(0.3, 44100), 44100)
+        for text in ["", "{", "[]", '{"volume": "loud"}', '{"eqGains": [1, null]}',
+                     '{"compPreset": "brutal"}']:
+            with self.subTest(text=text):
+                settings = self.text("settings.json", text)
+                result = self.run_("render", "--settings", settings, "-o", "out.wav", track)
+                self.assertEqual((result.returncode, result.stdout), (1, ""))
+                self.assertRegex(result.stderr, r"^quorel-cli: [^\n]*settings.json[^\n]*\n$")
+                self.assertEqual(sorted(os.listdir(self.folder)), ["a.wav", "settings.json"])
+
+
+class Render(Case):
+    RATE = 44100
+    CUTS = [44101, 97337]
+
+    def setUp(self):
+        super().setUp()
+        self.music = music(3.3, self.RATE)
+        self.whole = self.wav("whole.wav", self.music, self.RATE)
+        self.parts = [self.wav(f"part{i}.wav", part, self.RATE)
+                      for i, part in enumerate(np.split(self.music, self.CUTS))]
+        self.gain, _ = self.levelOf(self.render("--rate", str(self.RATE), self.whole)[0])
+
+    def levelOf(self, samples, first=0):
+        """The factor between the source and what was rendered, and the largest deviation from it."""
+        source = self.music[first:first + len(samples)]
+        gain = np.vdot(source, samples) / np.vdot(source, source)
+        return gain, np.max(np.abs(samples - gain * source))
+
+    def settings(self, **values):
+        return ["--settings", self.text("settings.json", json.dumps(values))]
+
+    def testJoins(self):
+        for rate in (44100, 48000):
+            with self.subTest(rate=rate):
+                whole, report = self.render("--rate", str(rate), self.whole)
+                ends = [round(cut * rate / self.RATE) for cut in [*self.CUTS, len(self.music)]]
+                self.assertEqual(report["tracks"], [{"path": self.whole, "start_frame": 0,
+                                                     "end_frame": ends[-1], "gapless": False}])
+                cut, report = self.render("--rate", str(rate), *self.parts)
+                self.assertEqual(report["frames"], ends[-1])
+                self.assertLessEqual(np.max(np.abs(cut - whole)), 1e-6)
+                self.assertEqual(report["tracks"],
+                                 [{"path": path, "start_frame": start, "end_frame": end,
+                                   "gapless": start > 0}
+                                  for path, start, end in zip(self.parts, [0, *ends], ends)])
+
+    def testFramesLieWhereTheReportSaysTheyDo(self):
+        for words, joined in [((), True), (("--gapless", "off"), False),
+                              (self.settings(gapless=False, volume=1), False),
+                              ([*self.settings(gapless=False, volume=1), "--gapless=on"], True)]:
+            with self.subTest(words=words):
+                samples, report = self.render("--rate", str(self.RATE), *words, *self.parts)
+                self.assertEqual(samples.shape[0], report["tracks"][-1]["end_frame"])
+                end = 0
+                for track, first in zip(report["tracks"], [0, *self.CUTS]):
+                    self.assertEqual(track["gapless"], joined and first > 0)
+                    self.assertFalse(samples[end:track["start_frame"]].any())
+                    end = track["end_frame"]
+                    gain, deviation = self.levelOf(samples[track["start_frame"]:end], first)
+                    self.assertAlmostEqual(gain, self.gain, places=6)
+                    self.assertLess(deviation, 1e-6)
+
+    def testSettings(self):
+        rms = lambda samples: np.sqrt(np.mean(samples[len(samples) // 2:] ** 2, axis=0)) / 0.1
+        plain = rms(self.render(self.whole)[0])
+        eq = {"eqOn": True, "eqGains": [6] * 10, "volume": 1}
+        for values, left, right in [
+                ({}, (0.79, 0.81), (0.79, 0.81)),
+                ({"volume": 0.25}, (0.249, 0.251), (0.249, 0.251)),
+                ({"isMuted": True}, (0, 0), (0, 0)),
+                ({"volume": 1, "pan": 1}, (0, 0.001), (0.9, 1.5)),
+                (eq, (1.5, 2.5), (1.5, 2.5)),
+                ({**eq, "eqOn": False}, (0.99, 1.01), (0.99, 1.01)),
+                ({"volume": 1, "compOn": True, "compPreset": "maximum"}, (1.1, 5), (1.1, 5)),
+                ({"volume": 0.5, "loudness": True}, (0.51, 1), (0.51, 1))]:
+            with self.subTest(values=values):
+                ratio = rms(self.render(*self.settings(**values), self.whole)[0]) / plain
+                for channel, (least, most) in enumerate((left, right)):
+                    self.assertTrue(least <= ratio[channel] <= most, ratio)
+
+    def testFadeIn(self):
+        samples, _ = self.render(*self.settings(volume=1, fadePlayOn=True, fadePlayMs=1000),
+                                 "--rate", str(self.RATE), self.whole)
+        for at, level in [(0, 0.0), (self.RATE // 2, 0.5), (self.RATE + 100, 1.0)]:
+            part = samples[at:at + 1000]
+            self.assertAlmostEqual(self.levelOf(part, at)[0] / self.gain, level, delta=0.02)
+
+    def testUnplayableFilesArePassedOver(self):
+        self.text("out.wav", "an older file is replaced")
+        missing = self.path("none.wav")
+        out = self.path("out.wav")
+        result = self.run_("render", "-o", out, self.parts[0], missing, self.parts[1])
+        self.assertEqual((result.returncode, len(result.stderr.splitlines())), (0, 1))
+        first, gone, second = json.loads(result.stdout)["tracks"]
+        self.assertEqual((first["gapless"], second["gapless"]), (False, True))
+        self.assertEqual(gone["path"], missing)
+        self.assertIn("none.wav", gone["error"])
+        self.assertEqual(second["end_frame"], len(readWav(out)[2]))
+        self.assertFalse([name for name in os.listdir(self.folder) if "part." in name[-6:]])
+
+
+class Play(Case):
+    def testTakesAsLongAsTheMusic(self):
+        tracks = [self.wav(f"{i} - Somebody - Song {i}.wav", music(0.7, 44100), 44100)
+                  for i in (1, 2)]
+        begun = time.monotonic()
+        result = self.run_("play", "--output", "null", tracks[0], self.path("none.wav"), tracks[1])
+        taken = time.monotonic() - begun
+        self.assertEqual((result.returncode, len(result.stderr.splitlines())), (0, 1))
+        self.assertIn("none.wav", result.stderr)
+        self.assertEqual(result.stdout, "Somebody - Song 1 (0:01)\nSomebody - Song 2 (0:01)\n")
+        self.assertTrue(1.4 <= taken < 3.5, taken)
+
+    def testSignalsAndNoServer(self):
+        track = self.wav("a.wav", music(20, 44100), 44100)
+        for output, number, said in [("null", signal.SIGTERM, ""),
+                                     ("default", signal.SIGINT, "Waiting for a sound server")]:
+            with self.subTest(output=output):
+                process = subprocess.Popen([program, "play", "--output", output, track],
+                                           stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                           env=ENVIRONMENT, text=True)
+                self.assertEqual(process.stdout.readline(), "a (0:20)\n")
+                time.sleep(0.5)
+                self.assertIsNone(process.poll())
+                process.send_signal(number)
+                _, errors = process.communicate(timeout=10)
+                self.assertEqual(process.returncode, 0)
+                self.assertEqual(errors.count(said), 1 if said else len(errors) + 1, errors)
+
+
+class Keys(Case):
+    def setUp(self):
+        super().setUp()
+        tracks = [self.wav(f"{name}.wav", music(30, 8000), 8000) for name in ("One", "Two")]
+        self.master, slave = pty.openpty()
+        self.addCleanup(os.close, self.master)
+        self.addCleanup(os.close, slave)
+        self.slave = slave
+        self.settings = termios.tcgetattr(slave)
+        self.process = subprocess.Popen([program, "play", "--output", "null", *tracks],
+                                        stdin=slave, stdout=slave, stderr=slave, env=ENVIRONMENT,
+                                        preexec_fn=self.takeTerminal)
+        self.addCleanup(self.end)
+        self.shown = ""
+
+    def takeTerminal(self):
+        os.setsid()
+        import fcntl
+        fcntl.ioctl(self.slave, termios.TIOCSCTTY, 0)
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+
+    def await_(self, pattern, after=""):
+        """Types, then reads until the pattern shows; returns the seconds shown with it."""
+        os.write(self.master, after.encode())
+        self.shown, deadline = "", time.monotonic() + 10
+        while not (found := re.search(pattern + r" +(\d+):(\d\d) / 0:30 ", self.shown)):
+            left = deadline - time.monotonic()
+            if left < 0 or not select.select([self.master], [], [], left)[0]:
+                self.fail(f"{pattern!r} does not show in {self.shown!r}")
+            self.shown += os.read(self.master, 4096).decode()
+        return 60 * int(found[1]) + int(found[2])
+
+    def finish(self):
+        self.assertEqual(self.process.wait(10), 0)
+        self.assertEqual(termios.tcgetattr(self.slave), self.settings)
+
+    def testKeys(self):
+        begin = self.await_("Playing")
+        self.assertFalse(termios.tcgetattr(self.slave)[3] & (termios.ECHO | termios.ICANON))
+        at = self.await_("Paused", " ")
+        self.assertLessEqual(at - begin, 2)
+        self.assertIn(self.await_("Paused", "\x1b[C") - at, (5, 6))
+        self.assertIn(self.await_("Paused", "\x1bOC") - at, (10, 11))
+        self.assertIn(self.await_("Paused", "\x1b[D") - at, (5, 6))
+        self.assertGreaterEqual(self.await_("Playing", " "), at + 5)
+        self.await_("Playing", "n")
+        self.await_(r"Playing +0:0\d / 0:30  Two.*\n?.*Playing", "")
+        os.write(self.master, b"q")
+        self.finish()
+
+    def testInterrupted(self):
+        self.await_("Playing")
+        os.write(self.master, b"\x03")
+        self.finish()
+
+
+if __name__ == "__main__":
+    program = os.path.abspath(sys.argv.pop(1))
+    unittest.main()

@@ -1,0 +1,29 @@
+#include "tools/quorel-cli/OpenTrack.h"
+
+#include "model/Path.h"
+
+namespace quorel::cli {
+
+OpenedTrack openTrack(const std::string& path) {
+    OpenedAudioFile opened = AudioFile::open(path);
+    if (!opened.file) {
+        return {nullptr, aboutFile(path, QString::fromStdString(opened.error))};
+    }
+    if (opened.file->length() <= 0) {
+        return {nullptr, aboutFile(path, QStringLiteral("holds no sound"))};
+    }
+    return {std::move(opened.file), {}};
+}
+
+TrackToPlay wholeFile(std::shared_ptr<AudioFile> file) {
+    TrackToPlay track;
+    track.file = std::move(file);
+    return track;
+}
+
+QString aboutFile(const std::string& path, const QString& text) {
+    const QString shown = pathForDisplay(pathFromBytes(QByteArrayView(path)));
+    return shown + QStringLiteral(": ") + text;
+}
+
+} // namespace quorel::cli
