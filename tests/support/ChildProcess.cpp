@@ -1,11 +1,12 @@
 #include "support/ChildProcess.h"
 
-#include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
-#include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
 #include <utility>
 
 namespace quorel::test {
@@ -33,7 +34,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     }
 }
 
-ChildProcess::ChildProcess(ChildProcess&& other) noexcept : pid_(std::exchange(other.pid_, 0)) {}
+ChildProcess::ChildProcess(ChildProcess&& other) noexcept
+    : pid_(std::exchange(other.pid_, 0)) {}
 
 ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
     std::swap(pid_, other.pid_);

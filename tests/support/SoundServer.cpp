@@ -1,18 +1,19 @@
 #include "support/SoundServer.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace quorel::test {
 
@@ -52,7 +53,8 @@ void waitFor(const std::string& what, const std::function<bool()>& condition) {
 
 } // namespace
 
-SoundServer::SoundServer(Kind kind) : kind_(kind) {
+SoundServer::SoundServer(Kind kind)
+    : kind_(kind) {
     std::string pattern = (fs::temp_directory_path() / "quorel-sound-XXXXXX").string();
     if (!mkdtemp(pattern.data())) {
         throw std::runtime_error("cannot make a temporary directory");
@@ -148,7 +150,9 @@ void SoundServer::addSink(const std::string& name, int rate, int channels) {
 }
 
 void SoundServer::load(const std::string& name, Sink& sink) {
-    std::vector<std::string> command{"load-module", "module-null-sink", "sink_name=" + name,
+    std::vector<std::string> command{"load-module",
+                                     "module-null-sink",
+                                     "sink_name=" + name,
                                      "rate=" + std::to_string(sink.rate),
                                      "channels=" + std::to_string(sink.channels),
                                      "format=float32le",
@@ -204,8 +208,12 @@ Recorder::Recorder(const std::string& sink, int rate, int channels) {
     if (pipe2(pipe_, O_CLOEXEC) != 0) {
         throw std::runtime_error("cannot make a pipe");
     }
-    std::vector<std::string> command{"parec", "-d", sink + ".monitor", "--format=float32le",
-                                     "--raw", "--rate=" + std::to_string(rate),
+    std::vector<std::string> command{"parec",
+                                     "-d",
+                                     sink + ".monitor",
+                                     "--format=float32le",
+                                     "--raw",
+                                     "--rate=" + std::to_string(rate),
                                      "--channels=" + std::to_string(channels),
                                      "--latency-msec=20"};
     if (channels == 6) {

@@ -22,6 +22,9 @@ OpenedAudioFile openFlac(AudioSource source) {
         return refuse("a FLAC file with a sampling rate of " + std::to_string(file->sampleRate()) +
                       " Hz");
     }
+    if (!file->isPlayable()) {
+        return refuse("a FLAC file without a whole frame");
+    }
     return {std::move(file), {}};
 }
 
@@ -59,6 +62,11 @@ int64_t FlacFile::statedOrFoundLength() {
     const FlacFrame last = scanner_.last();
     const bool whole = last.nextOffset() == source_.end;
     return whole || info_.totalFrames == 0 ? last.end() : info_.totalFrames;
+}
+
+// A lone frame before unknown bytes cannot be proved without decoding it.
+bool FlacFile::isPlayable() {
+    return length_ == 0 || scanner_.hasFrames() || decodeNext();
 }
 
 double FlacFile::dataRate() const {

@@ -19,6 +19,9 @@ class FlacFile : public AudioFile {
   public:
     FlacFile(AudioSource source, const FlacMetadata& metadata);
 
+    /// Whether there is any frame to play, or none is claimed to be. Before the first read only.
+    bool isPlayable();
+
     double dataRate() const override;
     int64_t position() const override { return position_; }
     bool seek(int64_t frame) override;

@@ -42,7 +42,7 @@ PulseSession::Time PulseSession::step(const PulseRequest& request, Time now) {
     if (settled_) {
         run(request, now);
         watch(now);
-        return std::min(wake, now + kWatchInterval);
+        return stream_->running() ? std::min(wake, now + kWatchInterval) : wake;
     }
     return std::min(wake, awaitAnswer(now));
 }

@@ -35,8 +35,8 @@ PulseStream::PulseStream(pa_context* context, Setup setup, RenderClient& client,
     }
     setCallbacks(true);
     const pa_buffer_attr attributes = bufferAttributes();
-    // Not INTERPOLATE_TIMING: after a start the library's own reading runs ahead by most of the buffer
-    // for some 70 ms, while the server's reports that it is made from are right.
+    // Not INTERPOLATE_TIMING: after a start the library's own reading runs ahead by most of the
+    // buffer for some 70 ms, while the server's reports that it is made from are right.
     unsigned flags =
         PA_STREAM_START_CORKED | PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_ADJUST_LATENCY;
     if (!setup_.pinnedTo.empty()) {
@@ -165,8 +165,7 @@ void PulseStream::takeReport() {
     const auto frameBytes = static_cast<int64_t>(frameBytes_);
     // The server's indices also count what was flushed, ours does not: they differ by a constant
     // between starts.
-    const int64_t framesRead =
-        framesWritten_ - (info->write_index - info->read_index) / frameBytes;
+    const int64_t framesRead = framesWritten_ - (info->write_index - info->read_index) / frameBytes;
     deviceLatency_ = microseconds(info->sink_usec);
     const bool advanced = advancing();
     hold();

@@ -35,6 +35,7 @@ class PulseStream {
 
     void start(Time now); ///< from an empty buffer, also while it runs
     void stop();
+    bool running() const { return running_; }
 
     /// Whether the server has not asked for sound for 2 s though it should.
     bool checkStalled(Time now);
@@ -78,10 +79,11 @@ class PulseStream {
     Time askedAt_{}; // when the server last wanted sound
 
     int64_t framesWritten_ = 0;
-    // From the server's newest report: how much of what was written had been heard, and when that was.
+    // From the server's newest report: how much of what was written had been heard, and when that
+    // was.
     std::chrono::nanoseconds heard_{0};
     Time heardAt_{};
-    bool playing_ = false; // not waiting for its buffer to fill
+    bool playing_ = false;                      // not waiting for its buffer to fill
     std::chrono::nanoseconds deviceLatency_{0}; // the part of the latency behind the buffer
 };
 

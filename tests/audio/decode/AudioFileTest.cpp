@@ -80,22 +80,23 @@ TEST_P(AudioFileTest, GoesOnWhereACancelledReadStopped) {
     file->seek(0);
 
     // Reads of the whole file, over and over, until one is caught in the middle.
-    bool caught = false;
-    for (int i = 0; i < 200 && !caught; ++i) {
-        file->seek(0);
+    int64_t first = 0;
+    for (int i = 0; i < 100 && first == 0; ++i) {
         std::jthread canceller([&] {
-            std::this_thread::sleep_for(std::chrono::microseconds(100 + 20 * i));
+            std::this_thread::sleep_for(std::chrono::milliseconds(3));
             file->cancel();
         });
-        const int64_t first = file->read(got.data(), kFrames);
+        do {
+            file->seek(0);
+            first = file->read(got.data(), kFrames);
+        } while (first == kFrames);
         canceller.join();
-        caught = first > 0 && first < kFrames;
         EXPECT_EQ(file->position(), first);
         file->resume();
-        EXPECT_EQ(file->read(got.data() + 2 * first, kFrames - first), kFrames - first);
-        ASSERT_TRUE(got == sound);
     }
-    EXPECT_TRUE(caught);
+    ASSERT_GT(first, 0);
+    EXPECT_EQ(file->read(got.data() + 2 * first, kFrames - first), kFrames - first);
+    EXPECT_TRUE(got == sound);
 }
 
 // Whatever the bytes are, they are played or refused, soon and without a crash.
@@ -192,9 +193,6 @@ TEST(AudioFileCorpus, PlaysOrRefusesEveryFileSoon) {
             EXPECT_LE(frames, file->length());
         }
         EXPECT_LT(secondsSince(start), 2);
-        if (std::getenv("QUOREL_LIST_CORPUS"))
-            printf("%8ld %8ld %s %s\n", file ? long(file->length()) : -1, long(frames),
-                   error.c_str(), entry.path().c_str());
     }
     EXPECT_GT(played, 50);
 }

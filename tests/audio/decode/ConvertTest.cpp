@@ -53,7 +53,10 @@ TEST_P(RateConverterTest, KeepsLengthPlaceAndPassband) {
     const int64_t frames = inRate * 2 + 1;
     RateConverter converter(2, inRate, outRate);
     ASSERT_FALSE(converter.passthrough());
-    for (const double hertz : {997.0, 0.42 * std::min(inRate, outRate)}) {
+    // Near the band's upper edge the level may sag by 0.01 dB, but nothing may be late.
+    const std::pair<double, double> tones[] = {{997, 1e-5},
+                                               {0.42 * std::min(inRate, outRate), 6e-4}};
+    for (const auto& [hertz, tolerance] : tones) {
         converter.reset();
         const std::vector<float> out = convert(converter, stereoSine(hertz, inRate, frames));
         const double exact = static_cast<double>(frames) * outRate / inRate;
@@ -65,7 +68,7 @@ TEST_P(RateConverterTest, KeepsLengthPlaceAndPassband) {
         for (std::size_t i = edge; i + edge < out.size(); ++i) {
             worst = std::max(worst, std::abs(double{out[i]} - double{ideal[i]}));
         }
-        EXPECT_LT(worst, 2e-5) << hertz; // -88 dB of the sine, delay included
+        EXPECT_LT(worst, tolerance) << hertz;
     }
 }
 

@@ -75,7 +75,8 @@ inline RampReading readRamp(const std::vector<float>& samples, int channels, int
 /// Notes what an output tells.
 class NotingListener final : public OutputListener {
   public:
-    explicit NotingListener(RampClient& client) : client_(client) {}
+    explicit NotingListener(RampClient& client)
+        : client_(client) {}
 
     void outputOpened(uint64_t opened, const rt::Format& openedAs) override {
         stream = opened;

@@ -1,10 +1,10 @@
-#include "audio/output/OutputDeviceManager.h"
 #include "audio/output/PulseOutput.h"
+
+#include "OutputFixture.h"
+#include "audio/output/OutputDeviceManager.h"
 #include "support/SoundServer.h"
 
 #include <gmock/gmock.h>
-
-#include "OutputFixture.h"
 
 #include <algorithm>
 #include <optional>
@@ -257,8 +257,8 @@ TEST_P(PulseOutputTest, AFrozenServerHoldsNobodyUp) {
     const auto timed = [&](const std::function<void()>& call) {
         const auto begin = std::chrono::steady_clock::now();
         call();
-        longest = std::max<std::chrono::nanoseconds>(longest,
-                                                     std::chrono::steady_clock::now() - begin);
+        longest =
+            std::max<std::chrono::nanoseconds>(longest, std::chrono::steady_clock::now() - begin);
     };
     for (int i = 0; i < 200; ++i) {
         timed([&] { output->stop(); });
@@ -310,13 +310,10 @@ TEST_P(PulseOutputTest, TellsNothingAfterItsEnd) {
     EXPECT_EQ(client.total, asked);
 }
 
-INSTANTIATE_TEST_SUITE_P(, PulseOutputTest,
-                         testing::Values(SoundServer::Kind::PulseAudio,
-                                         SoundServer::Kind::PipeWire),
-                         [](const auto& test) {
-                             return std::string(test.param == SoundServer::Kind::PulseAudio
-                                                    ? "PulseAudio"
-                                                    : "PipeWire");
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    , PulseOutputTest, testing::Values(SoundServer::Kind::PulseAudio, SoundServer::Kind::PipeWire),
+    [](const auto& test) {
+        return std::string(test.param == SoundServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire");
+    });
 
 } // namespace

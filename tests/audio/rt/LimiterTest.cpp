@@ -49,17 +49,39 @@ TEST(PeakLimiter, NeverExceedsTheCeilingAndComesBackToExactlyOne) {
         }
 }
 
-TEST(PeakLimiter, AtUnityIsAnExactDelayThatResetEmpties) {
+TEST(PeakLimiter, AtUnityIsAnExactDelayThatSilencesBadSamplesAndThatResetEmpties) {
     PeakLimiter limiter;
     limiter.prepare(format(48000));
     EXPECT_EQ(limiter.latencyFrames(), 72);
-    const Stream in = Stream::noise(1, 3000, 0.1f);
-    Stream out = in;
+    Stream good = Stream::noise(1, 3000, 0.1f);
+    Stream out = good;
+    const float bad[] = {kNan, kInfinity, -kInfinity};
+    for (std::size_t i = 0; i < std::size(bad); ++i) {
+        out.pairs[0][400 + 3 * i] = bad[i];
+        good.pairs[0][400 + 3 * i] = 0;
+    }
     run(limiter, out, {{1000, [&] { limiter.reset(); }}});
     for (std::size_t i = 0; i < 6000; ++i) {
         const bool empty = i < 144 || (i >= 2000 && i < 2144);
-        ASSERT_EQ(out.pairs[0][i], empty ? 0.0f : in.pairs[0][i - 144]) << i;
+        ASSERT_EQ(out.pairs[0][i], empty ? 0.0f : good.pairs[0][i - 144]) << i;
     }
+}
+
+TEST(PeakLimiter, IsDownBeforeAPeakArrivesWithoutClippingIt) {
+    PeakLimiter limiter;
+    limiter.prepare(format(48000));
+    std::vector<float> in(6000, 0.1f);
+    std::fill(in.begin() + 2000, in.begin() + 2010, 3.0f);
+    Stream stream = Stream::ofMono(in);
+    run(limiter, stream);
+    const auto out = stream.left(72);
+    float before = 1;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const float gain = out[i] / in[i];
+        ASSERT_NEAR(gain, before, 0.02f) << i; // its way down takes 1.5 ms
+        before = gain;
+    }
+    EXPECT_NEAR(out[2005], PeakLimiter::kCeiling, 1e-5f);
 }
 
 TEST(PeakLimiter, TurnsASineDownCleanly) {
@@ -137,11 +159,12 @@ TEST(EqUnit, SurvivesWhatNoFilterShouldBeFed) {
     eq.setBypass(false);
     eq.prepare(format(48000));
     for (const float bad : {kNan, kInfinity, 3e38f, 64.0f}) {
-        Stream stream(1, 4096);
+        Stream stream = Stream::noise(1, 4096, 0.1f);
         std::fill_n(stream.pairs[0].begin(), 400, bad);
         run(eq, stream);
         for (const float x : stream.pairs[0])
             ASSERT_TRUE(std::isfinite(x)) << bad;
+        EXPECT_NE(stream.pairs[0].back(), 0.0f) << bad;
     }
 }
 
