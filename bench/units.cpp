@@ -1,5 +1,5 @@
-// Nanoseconds per stereo frame of each processing unit, and of the whole chain. An argument
-// "portable" in the name means code without wide vectors.
+// Nanoseconds per stereo frame of each processing unit, and of the whole chain; those called
+// "portable" run the equalisers without wide vectors.
 #include "audio/rt/DenormalGuard.h"
 #include "audio/rt/DynamicsProcessor.h"
 #include "audio/rt/EqUnit.h"

@@ -34,9 +34,9 @@ namespace {
 int64_t framesBegin(const AudioSource& source, const FlacMetadata& metadata) {
     std::array<std::byte, FlacFrameHeader::kMaxBytes> bytes{};
     const std::size_t got = source.file.readAt(metadata.audioBegin, bytes);
-    const bool frame =
-        FlacFrameHeader::parse(std::span(bytes).first(got), metadata.info).has_value();
-    return frame ? metadata.audioBegin : metadata.infoEnd;
+    const bool sane = metadata.audioBegin == source.end ||
+                      FlacFrameHeader::parse(std::span(bytes).first(got), metadata.info);
+    return sane ? metadata.audioBegin : metadata.infoEnd;
 }
 } // namespace
 

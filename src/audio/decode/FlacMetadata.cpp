@@ -87,7 +87,7 @@ std::optional<FlacMetadata> FlacMetadata::read(const AudioSource& source) {
         }
         offset += bytes;
     }
-    metadata.audioBegin = std::min(offset, source.end);
+    metadata.audioBegin = offset;
     return metadata.infoEnd == 0 ? std::nullopt : std::optional(metadata);
 }
 
