@@ -1,6 +1,6 @@
 // From an action to its sound: the time between a call of the engine and the first captured sample
-// that shows its effect, on private sound servers with a null sink. The capture's own delay (about a
-// block of the sink) is part of the figures, so they are upper bounds.
+// that shows its effect, on private sound servers with a null sink. The capture's own delay (about
+// a block of the sink) is part of the figures, so they are upper bounds.
 #include "support/LivePlayer.h"
 #include "support/MadeFile.h"
 #include "support/SoundServer.h"
@@ -24,7 +24,8 @@ constexpr float kLevel = 0.1F;
 TrackToPlay track() {
     Samples samples(2 * 60 * kRate, kLevel);
     samples.resize(2 * 120 * kRate, 2 * kLevel);
-    return {std::make_shared<MadeFile>(kRate, 2, std::move(samples)), QUuid::createUuid(), 0, {}, 1};
+    return {
+        std::make_shared<MadeFile>(kRate, 2, std::move(samples)), QUuid::createUuid(), 0, {}, 1};
 }
 
 class Bench {
@@ -36,23 +37,38 @@ class Bench {
     void run() {
         AudioEngine& engine = player_.engine;
         std::printf("%-28s %8s %8s %8s ms\n", "", "least", "median", "most");
-        measure("play (from stopped)", [&] { engine.stop(0); }, [&] { engine.load(track(), 0); },
-                [](float now) { return now > 0; });
-        measure("pause", [&] { engine.load(track(), 0); }, [&] { engine.pause(0); },
-                [](float now) { return now == 0; });
-        measure("resume", [&] { engine.pause(0); }, [&] { engine.resume(0); },
-                [](float now) { return now > 0; });
-        measure("seek", [&] { engine.load(track(), 0); }, [&] { engine.seek(90); },
-                [](float now) { return now > 1.5F * kLevel; });
-        measure("track change", [&] { engine.load(track(), 0); engine.seek(90); },
-                [&] { engine.load(track(), 0); },
-                [](float now) { return now > 0 && now < 1.2F * kLevel; });
-        measure("volume", [&] { engine.load(track(), 0); engine.setVolume(1); },
-                [&] { engine.setVolume(0.25); }, [](float now) { return now < 0.5F * kLevel; });
+        measure(
+            "play (from stopped)", [&] { engine.stop(0); }, [&] { engine.load(track(), 0); },
+            [](float now) { return now > 0; });
+        measure(
+            "pause", [&] { engine.load(track(), 0); }, [&] { engine.pause(0); },
+            [](float now) { return now == 0; });
+        measure(
+            "resume", [&] { engine.pause(0); }, [&] { engine.resume(0); },
+            [](float now) { return now > 0; });
+        measure(
+            "seek", [&] { engine.load(track(), 0); }, [&] { engine.seek(90); },
+            [](float now) { return now > 1.5F * kLevel; });
+        measure(
+            "track change",
+            [&] {
+                engine.load(track(), 0);
+                engine.seek(90);
+            },
+            [&] { engine.load(track(), 0); },
+            [](float now) { return now > 0 && now < 1.2F * kLevel; });
+        measure(
+            "volume",
+            [&] {
+                engine.load(track(), 0);
+                engine.setVolume(1);
+            },
+            [&] { engine.setVolume(0.25); }, [](float now) { return now < 0.5F * kLevel; });
         engine.setVolume(1);
         engine.setEqEnabled(true);
-        measure("equaliser band", [&] { engine.setEQGain(0, 0); },
-                [&] { engine.setEQGain(0, 6); }, [](float now) { return now > 1.3F * kLevel; });
+        measure(
+            "equaliser band", [&] { engine.setEQGain(0, 0); }, [&] { engine.setEQGain(0, 6); },
+            [](float now) { return now > 1.3F * kLevel; });
         std::printf("%-28s %26.1f ms\n\n", "longest turn of the main loop",
                     std::chrono::duration<double, std::milli>(player_.longestTurn).count());
     }
@@ -71,9 +87,9 @@ class Bench {
                 std::printf("%-28s never heard\n", what);
                 return;
             }
-            times.push_back(std::chrono::duration<double, std::milli>(
-                                std::chrono::steady_clock::now() - begin)
-                                .count());
+            times.push_back(
+                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin)
+                    .count());
         }
         std::ranges::sort(times);
         std::printf("%-28s %8.1f %8.1f %8.1f\n", what, times.front(), times[times.size() / 2],

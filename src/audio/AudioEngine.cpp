@@ -64,9 +64,9 @@ std::optional<AudioEngine::Segment> AudioEngine::segmentOf(const TrackToPlay& tr
     if (!t0 || !t1 || *t0 >= std::min(*t1, length)) {
         return std::nullopt;
     }
-    return Segment{track.file,    rate,
-                   *t0,           std::min(*t1, length),
-                   static_cast<float>(track.normGain), track.trackID};
+    return Segment{
+        track.file,   rate, *t0, std::min(*t1, length), static_cast<float>(track.normGain),
+        track.trackID};
 }
 
 std::optional<Error> AudioEngine::load(const TrackToPlay& track, int fadeInMs) {
@@ -76,7 +76,8 @@ std::optional<Error> AudioEngine::load(const TrackToPlay& track, int fadeInMs) {
     }
     auto segment = segmentOf(track);
     if (!segment) {
-        return Error{1, QStringLiteral("There is nothing to play between the track's trim points.")};
+        return Error{1,
+                     QStringLiteral("There is nothing to play between the track's trim points.")};
     }
     current_ = std::move(segment);
     queued_.reset();
@@ -185,8 +186,8 @@ void AudioEngine::discardQueued() {
 // Some of the dropped track is on its way to the ear: go on from what is heard without it.
 void AudioEngine::dropFailed(uint64_t epoch) {
     if (epoch == epoch_ && current_) {
-        beginStream(std::min(
-            static_cast<int64_t>(std::llround(heardTime() * current_->sampleRate)), current_->t1));
+        beginStream(std::min(static_cast<int64_t>(std::llround(heardTime() * current_->sampleRate)),
+                             current_->t1));
         checkCompletion();
     }
 }

@@ -9,7 +9,6 @@
 #include "model/Enumerations.h"
 
 #include <QUuid>
-
 #include <array>
 #include <functional>
 #include <memory>
@@ -205,10 +204,10 @@ class AudioEngine final : RenderClient, OutputListener {
     int currentCallbackID_ = 0;
     int queuedCallbackID_ = 0;
 
-    uint64_t epoch_ = 0;           // of the newest stream
+    uint64_t epoch_ = 0;              // of the newest stream
     int64_t framesBeforeCurrent_ = 0; // source frames of the stream before the current segment
-    int segmentNumber_ = 0;        // of the current segment within the stream
-    int64_t heard_ = 0;            // device frames of the stream; never goes back
+    int segmentNumber_ = 0;           // of the current segment within the stream
+    int64_t heard_ = 0;               // device frames of the stream; never goes back
 
     bool isPlaying_ = false;
     bool isLoaded_ = false;

@@ -1,5 +1,5 @@
-// Fades and ramps. Each is sent to the renderer once and rendered there sample by sample; the timers
-// here only keep the published values in step and carry out what follows at the end.
+// Fades and ramps. Each is sent to the renderer once and rendered there sample by sample; the
+// timers here only keep the published values in step and carry out what follows at the end.
 #include "audio/AudioEngine.h"
 
 #include <algorithm>
@@ -276,8 +276,8 @@ void AudioEngine::setLoudness(bool on, double volume, LoudnessStrength strength)
     }
     const double percentBelowFull = 100 - volume * 100;
     const auto [low, high] = shelves(strength);
-    rampLoudEQ({static_cast<float>(low * percentBelowFull),
-                static_cast<float>(high * percentBelowFull)});
+    rampLoudEQ(
+        {static_cast<float>(low * percentBelowFull), static_cast<float>(high * percentBelowFull)});
 }
 
 void AudioEngine::rampLoudEQ(const std::array<float, rt::kLoudnessBands>& db) {

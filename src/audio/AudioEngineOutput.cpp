@@ -1,7 +1,6 @@
 // The engine's dealings with the output: opening, losing and regaining it, and letting it run only
 // while there is something to hear.
 #include "audio/AudioEngine.h"
-
 #include "audio/HeardClock.h"
 
 #include <algorithm>
@@ -45,8 +44,7 @@ void AudioEngine::outputOpened(uint64_t stream, const rt::Format& format) {
     stream_ = stream;
     setNotice({});
     if (current_) {
-        const auto frame =
-            static_cast<int64_t>(std::llround(currentTime_ * current_->sampleRate));
+        const auto frame = static_cast<int64_t>(std::llround(currentTime_ * current_->sampleRate));
         beginStream(std::clamp(frame, current_->t0, current_->t1));
     } else {
         sendParameters();

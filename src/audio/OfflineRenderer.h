@@ -9,8 +9,8 @@
 
 namespace quorel {
 
-/// The real engine on a manual clock: renders as fast as the machine goes, and to the frame. A timer
-/// that is due at a frame fires before that frame is rendered.
+/// The real engine on a manual clock: renders as fast as the machine goes, and to the frame. A
+/// timer that is due at a frame fires before that frame is rendered.
 class OfflineRenderer {
   public:
     /// `outputLatency`: frames that a sound server would hold back, >= 0.

@@ -17,10 +17,12 @@ class SteppedRamp {
     using Apply = std::function<void(const Values&)>;
     using Done = std::function<void()>;
 
-    explicit SteppedRamp(Clock& clock) : clock_(clock) {}
+    explicit SteppedRamp(Clock& clock)
+        : clock_(clock) {}
 
     /// `steps` >= 1 of `interval` each; `done` (may be empty) runs after the last one.
-    void start(Values from, Values to, int steps, Clock::Duration interval, Apply apply, Done done) {
+    void start(Values from, Values to, int steps, Clock::Duration interval, Apply apply,
+               Done done) {
         from_ = std::move(from);
         to_ = std::move(to);
         step_ = 0;

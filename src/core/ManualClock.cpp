@@ -13,7 +13,8 @@ struct ManualClock::Entry {
 class ManualClock::Handle final : public Timer {
   public:
     Handle(std::shared_ptr<Schedule> schedule, std::shared_ptr<Entry> entry)
-        : schedule_(std::move(schedule)), entry_(std::move(entry)) {}
+        : schedule_(std::move(schedule))
+        , entry_(std::move(entry)) {}
     ~Handle() override {
         entry_->repeat = Repeat::Once; // in case its action is running now
         schedule_->erase({entry_->deadline, entry_->order});

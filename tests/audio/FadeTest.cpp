@@ -162,9 +162,9 @@ TEST_P(Fade, normalisationRampsAndEndsBypassed) {
         float db;
         bool bypassed;
     };
-    for (const auto& [to, db, bypassed] : {Case{0.25, -12.0412F, false}, Case{1.0, 0, true},
-                                           Case{100, 24, false}, Case{1e-5, -96, false},
-                                           Case{0, 0, true}, Case{-1, 0, true}}) {
+    for (const auto& [to, db, bypassed] :
+         {Case{0.25, -12.0412F, false}, Case{1.0, 0, true}, Case{100, 24, false},
+          Case{1e-5, -96, false}, Case{0, 0, true}, Case{-1, 0, true}}) {
         const bool wasBypassed = engine.normBypassed();
         engine.setNormGain(to, false);
         render(0.1);

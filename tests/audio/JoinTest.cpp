@@ -35,7 +35,8 @@ class Join : public EngineTest {
     static double worstDifference(const Samples& a, const Samples& b) {
         double worst = a.size() == b.size() ? 0 : 1e9;
         for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-            worst = std::max(worst, std::abs(static_cast<double>(a[i]) - static_cast<double>(b[i])));
+            worst =
+                std::max(worst, std::abs(static_cast<double>(a[i]) - static_cast<double>(b[i])));
         }
         return worst;
     }
@@ -70,7 +71,8 @@ TEST_P(Join, cutsAtOddFramesDoNotShow) {
         ASSERT_EQ(ended.size(), 1U) << rate;
         EXPECT_EQ(promoted[0].second - start, std::llround(87013.0 * kRate / rate)) << rate;
         EXPECT_EQ(promoted[1].second - start, std::llround(201111.0 * kRate / rate)) << rate;
-        EXPECT_EQ(ended[0] - start, std::llround(static_cast<double>(frames) * kRate / rate)) << rate;
+        EXPECT_EQ(ended[0] - start, std::llround(static_cast<double>(frames) * kRate / rate))
+            << rate;
         engine.stop(0);
         render(1);
     }
@@ -90,8 +92,7 @@ TEST_P(Join, aTrackTakenBackLeavesTheConverterAsItWas) {
             render(after);
             engine.discardQueued();
             if (another) {
-                ASSERT_TRUE(
-                    engine.preloadNext(track(stereo(part(whole, 132301, 220500), 44100))));
+                ASSERT_TRUE(engine.preloadNext(track(stereo(part(whole, 132301, 220500), 44100))));
             }
             renderFrames(rendered - std::llround(after * kRate));
             EXPECT_LT(worstDifference(out, another ? expected : alone), another ? 1e-6 : 1e-3)

@@ -120,7 +120,8 @@ TEST_P(Transport, seekGoesOnAtTheFrameAskedFor) {
     render(1.0);
     engine.seek(5.0);
     EXPECT_EQ(engine.currentTime(), 5.0);
-    const int64_t start = offline.position() + kEdge; // the old place fades out, then the chain empties
+    const int64_t start =
+        offline.position() + kEdge; // the old place fades out, then the chain empties
     render(1.0);
     EXPECT_EQ(wrongFrames(0, 48000, 0), 0);
     EXPECT_EQ(wrongFrames(start + kEdge + latencyOfChain, 20000, 240000 + kEdge), 0);
@@ -235,7 +236,8 @@ TEST_P(Transport, renderingNeitherAllocatesNorLocks) {
     }
     ASSERT_TRUE(load(track(stereo(ramp(480000)))));
     struct Guarded final : RenderClient {
-        explicit Guarded(RenderClient& inner) : client(inner) {}
+        explicit Guarded(RenderClient& inner)
+            : client(inner) {}
         void render(float* interleaved, int frames) noexcept override {
             const RealtimeGuard guard;
             client.render(interleaved, frames);

@@ -16,8 +16,8 @@ TEST(ManualClock, firesInOrderOfDeadlinesAtTheirTimes) {
     auto ended = clock.startTimer(100ms, Clock::Repeat::Once, note(3));
     ended.reset();
     clock.advance(400ms);
-    EXPECT_EQ(fired, (std::vector<std::pair<int, Clock::Duration>>{
-                         {1, 200ms}, {2, 300ms}, {1, 400ms}}));
+    EXPECT_EQ(fired,
+              (std::vector<std::pair<int, Clock::Duration>>{{1, 200ms}, {2, 300ms}, {1, 400ms}}));
     EXPECT_EQ(clock.nextDeadline(), 600ms);
 }
 

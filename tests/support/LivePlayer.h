@@ -5,7 +5,6 @@
 #include "core/QtClock.h"
 
 #include <QCoreApplication>
-
 #include <chrono>
 #include <functional>
 #include <thread>

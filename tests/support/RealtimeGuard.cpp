@@ -1,19 +1,13 @@
 #include "support/RealtimeGuard.h"
 
-#include <cstdlib>
-
 #include <dlfcn.h>
 #include <pthread.h>
+
+#include <cstdlib>
 
 namespace {
 thread_local int guards = 0;
 thread_local int counted = 0;
-
-void note() {
-    if (guards > 0) {
-        ++counted;
-    }
-}
 } // namespace
 
 namespace quorel::test {
@@ -41,8 +35,16 @@ bool RealtimeGuard::isActive() {
 } // namespace quorel::test
 
 #ifndef QUOREL_SANITIZED
-// The C library's allocator and lock, with the counter in front: definitions in the program win over
-// those of shared libraries, so libraries' calls are counted too.
+// The C library's allocator and lock, with the counter in front: definitions in the program win
+// over those of shared libraries, so libraries' calls are counted too.
+namespace {
+void note() {
+    if (guards > 0) {
+        ++counted;
+    }
+}
+} // namespace
+
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -28,7 +28,7 @@ bool isInstalled(const std::string& program) {
     const char* path = std::getenv("PATH");
     std::istringstream directories(path ? path : "/usr/bin");
     for (std::string directory; std::getline(directories, directory, ':');) {
-        if (access((directory + "/" + program).c_str(), X_OK) == 0) {
+        if (access((fs::path(directory) / program).c_str(), X_OK) == 0) {
             return true;
         }
     }
@@ -90,7 +90,7 @@ SoundServer::~SoundServer() {
 std::string SoundServer::missingProgram(Kind kind) {
     std::vector<std::string> needed{"setpriv", "pactl", "parec"};
     if (kind == Kind::PulseAudio) {
-        needed.push_back("pulseaudio");
+        needed.emplace_back("pulseaudio");
     } else {
         needed.insert(needed.end(), {"dbus-daemon", "pipewire", "wireplumber", "pipewire-pulse"});
     }

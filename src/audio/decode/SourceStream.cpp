@@ -152,7 +152,8 @@ void SourceStream::finish() {
     }
     std::ranges::fill(converted_, 0.0F);
     while (missing > 0) {
-        const int64_t padded = sink_->ring.write(converted_.data(), std::min(missing, chunkOutput_));
+        const int64_t padded =
+            sink_->ring.write(converted_.data(), std::min(missing, chunkOutput_));
         if (padded == 0) {
             break;
         }
@@ -180,7 +181,8 @@ bool SourceStream::dropLast() {
     int64_t join = deviceFrames(segmentStart_, sourceRate_, device_.sampleRate);
     if (!converter_.passthrough()) {
         // The frames just before the join have heard of what came after it.
-        join = std::max<int64_t>(0, join - std::lround(kConverterReachSeconds * device_.sampleRate));
+        join =
+            std::max<int64_t>(0, join - std::lround(kConverterReachSeconds * device_.sampleRate));
     }
     if (!sink_->ring.rewind(join)) {
         return false;

@@ -1,9 +1,9 @@
 #include "audio/decode/SourceWorker.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <utility>
-
-#include <pthread.h>
 
 namespace quorel {
 
@@ -114,11 +114,11 @@ void SourceWorker::carryOut(Order& order) {
         const uint64_t epoch = begin->sink->epoch;
         device_ = begin->device;
         primedTold_ = false;
-        stream_ = std::make_unique<SourceStream>(
-            std::move(begin->sink), begin->device, std::move(begin->first),
-            [this, epoch](int segment, int64_t frames) {
-                events_.shortened(epoch, segment, frames);
-            });
+        stream_ = std::make_unique<SourceStream>(std::move(begin->sink), begin->device,
+                                                 std::move(begin->first),
+                                                 [this, epoch](int segment, int64_t frames) {
+                                                     events_.shortened(epoch, segment, frames);
+                                                 });
     } else if (std::holds_alternative<End>(order)) {
         stream_.reset();
     } else if (!stream_) {

@@ -20,7 +20,8 @@ class SourceWorker {
   public:
     enum class Mode { Threaded, Pumped };
 
-    /// Called on the worker's thread (in pump() when pumped); each concerns the stream of its epoch.
+    /// Called on the worker's thread (in pump() when pumped); each concerns the stream of its
+    /// epoch.
     struct Events {
         /// There is enough in the ring to start with.
         std::function<void(uint64_t epoch)> primed;

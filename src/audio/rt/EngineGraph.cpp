@@ -4,8 +4,8 @@ namespace quorel::rt {
 
 EngineGraph::EngineGraph() {
     for (Node* node : std::initializer_list<Node*>{&player, &noisePlayer, &mechPlayer, &preMix,
-                                                   &outputGain, &varispeed, &normUnit, &charEQ,
-                                                   &eq, &comp, &limiter, &loudEQ, &mainMixer}) {
+                                                   &outputGain, &varispeed, &normUnit, &charEQ, &eq,
+                                                   &comp, &limiter, &loudEQ, &mainMixer}) {
         graph.attach(*node);
     }
     using enum FilterType;
@@ -17,7 +17,8 @@ EngineGraph::EngineGraph() {
         const FilterType type = band == 0              ? LowShelf
                                 : band == kEqBands - 1 ? HighShelf
                                                        : Parametric;
-        eq.setBand(band, {.type = type, .frequencyHz = eqFrequencies[band], .bandwidthOctaves = 1.0});
+        eq.setBand(band,
+                   {.type = type, .frequencyHz = eqFrequencies[band], .bandwidthOctaves = 1.0});
     }
     charEQ.setBand(0, {.type = HighPass, .frequencyHz = 30});
     charEQ.setBand(1, {.type = LowPass, .frequencyHz = 20000});

@@ -36,7 +36,8 @@ struct ChannelLayout {
 
     bool operator==(const ChannelLayout&) const = default;
 
-    /// The usual layout of that many channels (1 to 8): mono, stereo, 3.0, quad, 5.0, 5.1, 6.1, 7.1.
+    /// The usual layout of that many channels (1 to 8): mono, stereo, 3.0,
+    /// quad, 5.0, 5.1, 6.1, 7.1.
     static ChannelLayout usual(int channels);
 };
 

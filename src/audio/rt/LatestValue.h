@@ -8,7 +8,8 @@ namespace quorel::rt {
 
 /// Carries the newest value from one thread to another; older ones are overwritten unseen. Both
 /// sides are wait-free: a triple buffer whose middle slot is exchanged.
-template <typename T> class LatestValue {
+template <typename T>
+class LatestValue {
     static_assert(std::is_trivially_copyable_v<T>);
 
   public:

@@ -5,8 +5,8 @@
 namespace quorel::rt {
 
 /// The frames that travel through the graph: pairs of channels, each pair interleaved
-/// (left, right, left, ...), so that a stereo stream is one pair and needs no shuffling. An odd last
-/// channel fills both lanes of its pair with the same samples. 32-bit float, full scale +-1.
+/// (left, right, left, ...), so that a stereo stream is one pair and needs no shuffling. An odd
+/// last channel fills both lanes of its pair with the same samples. 32-bit float, full scale +-1.
 struct Block {
     std::array<float*, kMaxPairs> pair{};
     int pairs = 0;

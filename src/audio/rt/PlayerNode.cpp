@@ -76,7 +76,8 @@ int PlayerNode::framesToTake(int wanted) noexcept {
         ++underruns_;
     }
     const bool fading = state_ == State::Stopping || state_ == State::Starving;
-    return static_cast<int>(std::min<int64_t>(fading ? std::min(wanted, edge_.framesLeft()) : wanted, level));
+    return static_cast<int>(
+        std::min<int64_t>(fading ? std::min(wanted, edge_.framesLeft()) : wanted, level));
 }
 
 void PlayerNode::take(Block& block, int frames) noexcept {

@@ -101,10 +101,8 @@ void Renderer::apply(const RenderParameters& wanted) noexcept {
 void Renderer::applyFade(const FadeCommand& fade) noexcept {
     Mixer& gain = nodes_.outputGain;
     const bool silent = isSilent();
-    fadeSoftens_ = false;
     if (fade.fromSilence && silent) {
         gain.setVolume(0.0F);
-        fadeSoftens_ = true;
     }
     const int frames = fade.steps * framesOf(fade.stepSeconds);
     if (frames > 0) {
@@ -148,8 +146,9 @@ void Renderer::applyTransport(bool playing) noexcept {
     PlayerNode& player = nodes_.player;
     const bool wanted = playing && !pausedByFade_;
     if (wanted && !player.isPlaying() && player.source()) {
-        const bool insideMusic = player.source()->softStart || player.source()->ring.readPosition() > 0;
-        player.play(insideMusic && !fadeSoftens_);
+        const bool insideMusic =
+            player.source()->softStart || player.source()->ring.readPosition() > 0;
+        player.play(insideMusic);
     } else if (!wanted) {
         player.pause();
     }

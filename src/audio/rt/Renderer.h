@@ -21,7 +21,8 @@ struct FadeCommand {
 };
 
 /// A change of an EQ unit's gains in dB, linear over steps x stepSeconds; a new `id` starts it.
-template <std::size_t N> struct GainsCommand {
+template <std::size_t N>
+struct GainsCommand {
     uint32_t id = 0;
     std::array<float, N> db{};
     int32_t steps = 0; ///< 0: at once
@@ -56,12 +57,12 @@ struct RenderedRun {
 struct RenderReport {
     static constexpr std::size_t kRuns = 16;
 
-    uint64_t epoch = 0;        ///< of the source being played
-    int64_t frames = 0;        ///< rendered since prepare, music or silence
-    int64_t musicEnd = 0;      ///< from this device frame on there is only silence
-    bool silent = true;        ///< paused, or without frames to play
-    int32_t underruns = 0;     ///< times that the source ran dry, since prepare
-    uint64_t runCount = 0;     ///< runs of this epoch so far; the last kRuns of them follow
+    uint64_t epoch = 0;    ///< of the source being played
+    int64_t frames = 0;    ///< rendered since prepare, music or silence
+    int64_t musicEnd = 0;  ///< from this device frame on there is only silence
+    bool silent = true;    ///< paused, or without frames to play
+    int32_t underruns = 0; ///< times that the source ran dry, since prepare
+    uint64_t runCount = 0; ///< runs of this epoch so far; the last kRuns of them follow
     std::array<RenderedRun, kRuns> runs{}; ///< run number i stands at i % kRuns
 };
 
@@ -89,7 +90,8 @@ class Renderer {
     void applyFade(const FadeCommand& fade) noexcept;
     void applyNorm(const GainsCommand<1>& norm) noexcept;
     template <std::size_t N>
-    void applyGains(EqUnit& unit, const GainsCommand<N>& wanted, const GainsCommand<N>& applied) noexcept;
+    void applyGains(EqUnit& unit, const GainsCommand<N>& wanted,
+                    const GainsCommand<N>& applied) noexcept;
     void applyTransport(bool playing) noexcept;
     int framesToNextEvent() const noexcept;
     void renderBlock(float* interleaved, int frames) noexcept;
@@ -104,10 +106,9 @@ class Renderer {
     LatestValue<RenderReport> reports_;
 
     // The rendering thread's own state.
-    Source* next_ = nullptr;   // waits until it is primed and the old one is silent
+    Source* next_ = nullptr; // waits until it is primed and the old one is silent
     RenderParameters applied_;
-    int fadeLeft_ = 0;         // frames until a fade with thenPause is over
-    bool fadeSoftens_ = false; // a fade from silence softens the start already
+    int fadeLeft_ = 0; // frames until a fade with thenPause is over
     bool pausedByFade_ = false;
     int64_t silentFrames_ = 0; // rendered since the player last took a frame
     RenderReport report_;

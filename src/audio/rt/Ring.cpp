@@ -31,7 +31,9 @@ int64_t Ring::write(const float* frames, int64_t count) noexcept {
     const int64_t from = writePosition();
     count = std::min(count, writable());
     const int64_t first = std::min(count, capacity_ - from % capacity_);
-    const auto bytes = [this](int64_t n) { return static_cast<std::size_t>(n * channels_) * sizeof(float); };
+    const auto bytes = [this](int64_t n) {
+        return static_cast<std::size_t>(n * channels_) * sizeof(float);
+    };
     std::memcpy(at(from), frames, bytes(first));
     std::memcpy(at(0), frames + first * channels_, bytes(count - first));
     written_.store(from + count, std::memory_order_release);
@@ -59,7 +61,9 @@ int64_t Ring::read(float* frames, int64_t count) noexcept {
     const int64_t from = read_.load(std::memory_order_relaxed);
     count = std::clamp<int64_t>(written_.load(std::memory_order_seq_cst) - from, 0, count);
     const int64_t first = std::min(count, capacity_ - from % capacity_);
-    const auto bytes = [this](int64_t n) { return static_cast<std::size_t>(n * channels_) * sizeof(float); };
+    const auto bytes = [this](int64_t n) {
+        return static_cast<std::size_t>(n * channels_) * sizeof(float);
+    };
     std::memcpy(frames, at(from), bytes(first));
     std::memcpy(frames + first * channels_, at(0), bytes(count - first));
     read_.store(from + count, std::memory_order_release);

@@ -15,7 +15,9 @@ struct Source {
     static constexpr int64_t kEndUnknown = std::numeric_limits<int64_t>::max();
 
     Source(uint64_t epochNumber, int channels, int64_t capacity, bool startsInsideMusic)
-        : epoch(epochNumber), softStart(startsInsideMusic), ring(channels, capacity) {}
+        : epoch(epochNumber)
+        , softStart(startsInsideMusic)
+        , ring(channels, capacity) {}
 
     const uint64_t epoch;
     /// Fade the first frames in, because the stream does not begin where its music begins.

@@ -29,8 +29,11 @@ class LiveEngine : public testing::TestWithParam<SoundServer::Kind> {
     }
 
     static TrackToPlay track(int64_t frames, int64_t first = 0) {
-        return {std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)), QUuid::createUuid(), 0,
-                {}, 1.0};
+        return {std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)),
+                QUuid::createUuid(),
+                0,
+                {},
+                1.0};
     }
     /// Plays a track and waits until its start has been captured.
     void playAloud(LivePlayer& player, Recorder& recorder, const TrackToPlay& wanted) {
