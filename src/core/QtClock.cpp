@@ -2,6 +2,9 @@
 
 #include <QTimer>
 
+#include <sys/eventfd.h>
+#include <unistd.h>
+
 namespace quorel {
 
 namespace {
@@ -28,6 +31,17 @@ class QtClockTimer final : public Timer {
 
 } // namespace
 
+QtClock::QtClock()
+    : wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , notifier_(wake_, QSocketNotifier::Read) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { runPosted(); });
+}
+
+QtClock::~QtClock() {
+    notifier_.setEnabled(false);
+    close(wake_);
+}
+
 Clock::Duration QtClock::now() const {
     return std::chrono::steady_clock::now().time_since_epoch();
 }
@@ -38,7 +52,28 @@ std::unique_ptr<Timer> QtClock::startTimer(Duration interval, Repeat repeat,
 }
 
 void QtClock::post(std::function<void()> action) {
-    QMetaObject::invokeMethod(&context_, std::move(action), Qt::QueuedConnection);
+    {
+        const std::lock_guard lock(mutex_);
+        posted_.push_back(std::move(action));
+        if (posted_.size() > 1) {
+            return; // the loop has been woken for the first one
+        }
+    }
+    const uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(wake_, &one, sizeof one);
+}
+
+void QtClock::runPosted() {
+    uint64_t count = 0;
+    [[maybe_unused]] const auto drained = read(wake_, &count, sizeof count);
+    std::vector<std::function<void()>> actions;
+    {
+        const std::lock_guard lock(mutex_);
+        actions.swap(posted_);
+    }
+    for (const auto& action : actions) {
+        action();
+    }
 }
 
 } // namespace quorel

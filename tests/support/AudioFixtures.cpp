@@ -159,14 +159,14 @@ std::string wavBytes(const TestSound& sound, const WavRecipe& recipe) {
     ByteWriter file(bigEndian);
     file.bytes = recipe.form;
     file.number(recipe.dataSize.value_or(sizesApart ? 0xFFFFFFFF : body.bytes.size()), 4);
-    return file.bytes + body.bytes;
+    return file.bytes.append(body.bytes);
 }
 
 bool hasTool(const std::string& name) {
     const char* folders = std::getenv("PATH");
     std::istringstream path(folders != nullptr ? folders : "");
     for (std::string folder; std::getline(path, folder, ':');) {
-        if (::access((folder + '/' + name).c_str(), X_OK) == 0) {
+        if (::access((fs::path(folder) / name).c_str(), X_OK) == 0) {
             return true;
         }
     }

@@ -17,7 +17,10 @@ namespace quorel::cli {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr double kSeekSeconds = 5;
+constexpr auto kLookInterval = 1s;
 constexpr Option kOptions[] = {
     {"--output", "null|default|UID", "where to play: without sound, the system's device, or one"},
 };
@@ -48,14 +51,16 @@ void act(PlaySession& session, Key key) {
 /// Keys and signals, for as long as it lives.
 class Controls {
   public:
-    explicit Controls(PlaySession& session)
-        : session_(session)
+    Controls(Clock& clock, PlaySession& session)
+        : clock_(clock)
+        , session_(session)
         , signalNotifier_(signals_.descriptor(), QSocketNotifier::Read) {
         QObject::connect(&signalNotifier_, &QSocketNotifier::activated, [this] { onSignal(); });
         if (Terminal::isPresent()) {
             terminal_.emplace();
             keyNotifier_.emplace(STDIN_FILENO, QSocketNotifier::Read);
             QObject::connect(&*keyNotifier_, &QSocketNotifier::activated, [this] { onInput(); });
+            followForeground();
         }
     }
 
@@ -65,12 +70,29 @@ class Controls {
             if (*number != SIGCONT) {
                 QCoreApplication::quit();
             } else if (terminal_) {
-                terminal_->enter();
+                followForeground();
             }
         }
     }
 
+    // A shell need not tell a program that it comes to the foreground.
+    void followForeground() {
+        const bool foreground = Terminal::isForeground();
+        keyNotifier_->setEnabled(foreground);
+        background_.reset();
+        if (foreground) {
+            terminal_->enter();
+        } else {
+            background_ = clock_.startTimer(kLookInterval, Clock::Repeat::Once,
+                                            [this] { followForeground(); });
+        }
+    }
+
     void onInput() {
+        if (!Terminal::isForeground()) {
+            followForeground();
+            return;
+        }
         const auto keys = terminal_->takeKeys();
         if (!keys) {
             keyNotifier_->setEnabled(false);
@@ -81,11 +103,13 @@ class Controls {
         }
     }
 
+    Clock& clock_;
     PlaySession& session_;
     Signals signals_{SIGINT, SIGTERM, SIGHUP, SIGCONT};
     QSocketNotifier signalNotifier_;
     std::optional<Terminal> terminal_;
     std::optional<QSocketNotifier> keyNotifier_;
+    std::unique_ptr<Timer> background_;
 };
 
 int run(const Arguments& arguments) {
@@ -106,7 +130,7 @@ int run(const Arguments& arguments) {
     PlayView view;
     PlaySession session(clock, std::move(output), arguments.operands, view,
                         [](bool played) { QCoreApplication::exit(played ? kSuccess : kFailure); });
-    const Controls controls(session);
+    const Controls controls(clock, session);
     // From inside the loop: there would be nothing to leave before it.
     clock.post([&] {
         session.start(wanted == "null" || wanted == "default" ? QString()

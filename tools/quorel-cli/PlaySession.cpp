@@ -44,7 +44,8 @@ void PlaySession::togglePause() {
     if (ended_) {
         return;
     }
-    if (engine_.isPlaying()) {
+    paused_ = engine_.isPlaying();
+    if (paused_) {
         engine_.pause(0);
     } else {
         engine_.resume(0);
@@ -137,6 +138,7 @@ void PlaySession::begin() {
     current_ = *std::exchange(wanted_, std::nullopt);
     const auto file = std::exchange(prepared_, std::nullopt)->file;
     queued_.reset();
+    ended_ = true; // nothing to show until it is known what plays
     const auto error = engine_.load(wholeFile(file), 0);
     ended_ = error.has_value();
     if (error) {
@@ -148,6 +150,7 @@ void PlaySession::begin() {
 }
 
 void PlaySession::announce() {
+    paused_ = false;
     played_ = true;
     view_.trackStarted(titleOf(paths_[static_cast<std::size_t>(current_)]), engine_.duration());
     show();
@@ -217,12 +220,11 @@ void PlaySession::checkDevice(const QString& uid) {
 }
 
 void PlaySession::show() {
-    if (!played_) {
+    if (ended_) {
         return;
     }
-    const char* state = !engine_.isOutputOpen() || !engine_.outputNotice().isEmpty() ? "Waiting"
-                        : engine_.isPlaying()                                        ? "Playing"
-                                                                                     : "Paused";
+    const bool waiting = !engine_.isOutputOpen() || !engine_.outputNotice().isEmpty();
+    const char* state = paused_ ? "Paused" : waiting ? "Waiting" : "Playing";
     view_.show({state, engine_.currentTime(), engine_.duration()});
 }
 

@@ -55,6 +55,7 @@ class PlaySession {
 
     int current_ = -1;          // the track that is loaded, once one is
     bool ended_ = true;         // nothing is being played to its end
+    bool paused_ = false;       // by the listener
     bool played_ = false;       // something was
     std::optional<int> wanted_; // to be played as soon as it is open
     int step_ = 1;              // where to look for another if the wanted one cannot be played

@@ -10,7 +10,7 @@ namespace quorel::cli {
 /// that end a program the second one does so at once. One at a time in a program; main thread.
 class Signals {
   public:
-    explicit Signals(std::initializer_list<int> numbers);
+    Signals(std::initializer_list<int> numbers);
     ~Signals();
     Signals(const Signals&) = delete;
     Signals& operator=(const Signals&) = delete;

@@ -51,8 +51,8 @@ std::size_t sequenceLength(std::string_view input) {
 } // namespace
 
 Terminal::~Terminal() {
-    if (original_ && tcgetpgrp(STDIN_FILENO) == getpgrp()) {
-        tcsetattr(STDIN_FILENO, TCSADRAIN, &*original_);
+    if (original_ && isForeground()) {
+        tcsetattr(STDIN_FILENO, TCSANOW, &*original_);
     }
 }
 
@@ -60,10 +60,14 @@ bool Terminal::isPresent() {
     return isatty(STDIN_FILENO) == 1;
 }
 
+bool Terminal::isForeground() {
+    return tcgetpgrp(STDIN_FILENO) == getpgrp();
+}
+
 void Terminal::enter() {
     termios settings{};
-    if (tcgetpgrp(STDIN_FILENO) != getpgrp() || tcgetattr(STDIN_FILENO, &settings) != 0) {
-        return; // a program in the background would be stopped for it
+    if (tcgetattr(STDIN_FILENO, &settings) != 0) {
+        return;
     }
     if (!original_) {
         original_ = settings;
@@ -71,7 +75,7 @@ void Terminal::enter() {
     settings.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     settings.c_cc[VMIN] = 1;
     settings.c_cc[VTIME] = 0;
-    tcsetattr(STDIN_FILENO, TCSADRAIN, &settings);
+    tcsetattr(STDIN_FILENO, TCSANOW, &settings);
 }
 
 std::optional<std::vector<Key>> Terminal::takeKeys() {

@@ -14,17 +14,19 @@ enum class Key { Pause, Next, Previous, Forward, Back, Quit };
 /// terminal its settings back when it goes. Main thread.
 class Terminal {
   public:
-    Terminal() { enter(); }
+    Terminal() = default;
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// Takes the settings again, after the shell has had the terminal. Nothing in the background.
+    static bool isPresent();    ///< standard input is a terminal
+    static bool isForeground(); ///< and this program's: who reads or sets it otherwise is stopped
+
+    /// Sets the terminal up; again after the shell has had it. In the foreground only.
     void enter();
 
-    static bool isPresent(); ///< standard input is a terminal
-
-    /// The keys that wait, or nothing when the terminal is gone. Call when there is input.
+    /// The keys that wait, or nothing when the terminal is gone. Call when there is input, in the
+    /// foreground.
     std::optional<std::vector<Key>> takeKeys();
 
   private:

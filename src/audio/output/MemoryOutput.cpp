@@ -26,7 +26,7 @@ void MemoryOutput::open(const QString&) {
 }
 
 void MemoryOutput::start(uint64_t stream) {
-    if (isOpen_ && !running_ && stream == stream_) {
+    if (isOpen_ && stream == stream_) {
         running_ = true;
         sinceStart_ = 0;
     }

@@ -26,15 +26,15 @@ class AudioFileTest : public testing::TestWithParam<const char*> {
   protected:
     static constexpr int64_t kFrames = 330001;
 
-    void SetUp() override { path_ = made(TestSound(kFrames, 2, 16)); }
+    void SetUp() override { path = made(TestSound(kFrames, 2, 16)); }
 
     // Skips the test where the encoder is missing; the path is empty then.
     std::string made(const TestSound& sound) {
-        const std::string wav = folder_.write("a.wav", wavBytes(sound));
+        std::string wav = folder.write("a.wav", wavBytes(sound));
         if (GetParam() == std::string("wav")) {
             return wav;
         }
-        const std::string flac = folder_.path("a.flac");
+        std::string flac = folder.path("a.flac");
         if (!runTool({"flac", "-s", "-f", "--no-padding", "--no-seektable", "-o", flac, wav})) {
             [] { GTEST_SKIP() << "flac is not installed"; }();
             return {};
@@ -42,8 +42,8 @@ class AudioFileTest : public testing::TestWithParam<const char*> {
         return flac;
     }
 
-    TemporaryFolder folder_;
-    std::string path_;
+    TemporaryFolder folder;
+    std::string path;
 };
 
 TEST_P(AudioFileTest, ReadersOnManyThreadsDoNotDisturbEachOther) {
@@ -52,7 +52,7 @@ TEST_P(AudioFileTest, ReadersOnManyThreadsDoNotDisturbEachOther) {
     std::vector<std::jthread> threads;
     for (unsigned seed = 1; seed <= 4; ++seed) {
         threads.emplace_back([&, seed] {
-            const auto file = AudioFile::open(path_).file;
+            const auto file = AudioFile::open(path).file;
             std::minstd_rand random(seed);
             for (int i = 0; i < 40; ++i) {
                 const auto target = static_cast<int64_t>(random()) % (kFrames - 3000);
@@ -71,7 +71,7 @@ TEST_P(AudioFileTest, ReadersOnManyThreadsDoNotDisturbEachOther) {
 
 TEST_P(AudioFileTest, GoesOnWhereACancelledReadStopped) {
     const std::vector<float> sound = TestSound(kFrames, 2, 16).asFloat();
-    const auto file = AudioFile::open(path_).file;
+    const auto file = AudioFile::open(path).file;
     file->cancel();
     file->seek(1000);
     std::vector<float> got(sound.size());
@@ -115,7 +115,7 @@ TEST_P(AudioFileTest, SurvivesAnyBytes) {
         }
         bytes.resize(below(4) == 0 ? below(bytes.size()) : bytes.size());
         const auto begin = Clock::now();
-        const auto [file, error] = AudioFile::open(folder_.write("b", bytes));
+        const auto [file, error] = AudioFile::open(folder.write("b", bytes));
         ASSERT_EQ(file == nullptr, !error.empty());
         if (file) {
             ++played;

@@ -19,8 +19,8 @@ struct FlacCase {
     std::string (*change)(std::string bytes) = nullptr; // done to the encoded file
 };
 
-void PrintTo(const FlacCase& flac, std::ostream* out) {
-    *out << flac.name;
+std::ostream& operator<<(std::ostream& out, const FlacCase& flac) {
+    return out << flac.name;
 }
 
 // STREAMINFO's total is the low 36 bits of the 8 bytes at byte 18.
@@ -47,7 +47,7 @@ std::string behindId3(std::string bytes) {
     tags.append(257, 'x');
     tags.append("ID3\3\0\0\0\0\0\5", 10);
     tags.append(5, '\0');
-    return tags.append(bytes);
+    return bytes.insert(0, tags);
 }
 std::string beforeId3v1(std::string bytes) {
     return withoutTotal(std::move(bytes)).append("TAG").append(125, ' ');
@@ -83,7 +83,7 @@ class FlacTest : public testing::TestWithParam<FlacCase> {
             GTEST_SKIP() << "flac is not installed";
         }
     }
-    TemporaryFolder folder_;
+    TemporaryFolder folder;
 };
 
 std::string encode(const TemporaryFolder& folder, const TestSound& sound,
@@ -127,11 +127,11 @@ TEST_P(FlacTest, GivesEverySampleExactlyFromAnyPlace) {
     const int64_t frames = flac.channels > 4 ? kFrames / 4 : kFrames;
     const TestSound sound(frames, flac.channels, flac.bits);
     const std::vector<float> expected = sound.asFloat();
-    std::string bytes = encode(folder_, sound, flac.options);
+    std::string bytes = encode(folder, sound, flac.options);
     if (flac.change != nullptr) {
         bytes = flac.change(std::move(bytes));
     }
-    const auto [file, error] = AudioFile::open(folder_.write("a.flac", bytes));
+    const auto [file, error] = AudioFile::open(folder.write("a.flac", bytes));
     ASSERT_TRUE(file) << error;
     ASSERT_EQ(file->length(), frames);
     EXPECT_EQ(file->sampleRate(), 44100);
@@ -147,11 +147,11 @@ INSTANTIATE_TEST_SUITE_P(, FlacTest, testing::ValuesIn(kCases));
 class FlacFileTest : public FlacTest {};
 
 TEST_F(FlacFileTest, TakesItsLayoutFromTheChannelMaskComment) {
-    std::string bytes = encode(folder_, TestSound(5000, 6, 16));
+    std::string bytes = encode(folder, TestSound(5000, 6, 16));
     const std::size_t mask = bytes.find("MASK=0x003F"); // which flac itself put there
     ASSERT_NE(mask, std::string::npos);
     const auto file =
-        AudioFile::open(folder_.write("a.flac", bytes.replace(mask + 7, 4, "060f"))).file;
+        AudioFile::open(folder.write("a.flac", bytes.replace(mask + 7, 4, "060f"))).file;
     ASSERT_TRUE(file);
     EXPECT_EQ(file->format().layout.speakers[4], rt::Speaker::SideLeft);
     EXPECT_EQ(file->format().layout.speakers[5], rt::Speaker::SideRight);
@@ -160,11 +160,11 @@ TEST_F(FlacFileTest, TakesItsLayoutFromTheChannelMaskComment) {
 TEST_F(FlacFileTest, PlaysWhatIsThereOfAFileThatBreaksOff) {
     const TestSound sound(kFrames, 2, 16);
     const std::vector<float> expected = sound.asFloat();
-    const std::string bytes = encode(folder_, sound);
+    const std::string bytes = encode(folder, sound);
     for (const std::string& head : {bytes, withoutTotal(bytes)}) {
         const bool stated = head == bytes;
         const auto file =
-            AudioFile::open(folder_.write("a.flac", head.substr(0, bytes.size() * 6 / 10))).file;
+            AudioFile::open(folder.write("a.flac", head.substr(0, bytes.size() * 6 / 10))).file;
         ASSERT_TRUE(file);
         const std::vector<float> got = readAll(*file);
         const auto frames = static_cast<int64_t>(got.size() / 2);
@@ -176,18 +176,18 @@ TEST_F(FlacFileTest, PlaysWhatIsThereOfAFileThatBreaksOff) {
         EXPECT_TRUE(readAll(*file).empty());
     }
     const std::size_t frames = bytes.find("\xFF\xF8", 42);
-    const auto head = AudioFile::open(folder_.write("a.flac", bytes.substr(0, frames))).file;
+    const auto head = AudioFile::open(folder.write("a.flac", bytes.substr(0, frames))).file;
     ASSERT_TRUE(head);
     EXPECT_EQ(head->length(), 0);
     EXPECT_TRUE(readAll(*head).empty());
-    EXPECT_FALSE(AudioFile::open(folder_.write("a.flac", bytes.substr(0, frames + 200))).file);
-    EXPECT_FALSE(AudioFile::open(folder_.write("a.flac", bytes.substr(0, 41))).file);
+    EXPECT_FALSE(AudioFile::open(folder.write("a.flac", bytes.substr(0, frames + 200))).file);
+    EXPECT_FALSE(AudioFile::open(folder.write("a.flac", bytes.substr(0, 41))).file);
 }
 
 TEST_F(FlacFileTest, KeepsTheTimeAcrossDamage) {
     const TestSound sound(kFrames, 2, 16);
     const std::vector<float> expected = sound.asFloat();
-    const std::string whole = encode(folder_, sound);
+    const std::string whole = encode(folder, sound);
     const struct {
         const char* name;
         std::string bytes;
@@ -199,7 +199,7 @@ TEST_F(FlacFileTest, KeepsTheTimeAcrossDamage) {
     };
     for (const auto& damaged : cases) {
         SCOPED_TRACE(damaged.name);
-        const auto file = AudioFile::open(folder_.write("a.flac", damaged.bytes)).file;
+        const auto file = AudioFile::open(folder.write("a.flac", damaged.bytes)).file;
         ASSERT_TRUE(file);
         ASSERT_EQ(file->length(), kFrames);
         const std::vector<float> got = readAll(*file);

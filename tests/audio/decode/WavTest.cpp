@@ -21,8 +21,8 @@ struct WavCase {
     ChannelLayout layout;
 };
 
-void PrintTo(const WavCase& wav, std::ostream* out) {
-    *out << wav.name;
+std::ostream& operator<<(std::ostream& out, const WavCase& wav) {
+    return out << wav.name;
 }
 
 const std::string kOddChunk = chunk("LIST", "odd");
@@ -60,13 +60,13 @@ const WavCase kCases[] = {
 
 class WavTest : public testing::TestWithParam<WavCase> {
   protected:
-    TemporaryFolder folder_;
+    TemporaryFolder folder;
 };
 
 TEST_P(WavTest, GivesEverySampleExactly) {
     const WavCase& wav = GetParam();
     const TestSound sound(70001, wav.channels, wav.bits);
-    const auto [file, error] = AudioFile::open(folder_.write("a", wavBytes(sound, wav.recipe)));
+    const auto [file, error] = AudioFile::open(folder.write("a", wavBytes(sound, wav.recipe)));
     ASSERT_TRUE(file) << error;
     EXPECT_EQ(file->length(), 70001);
     EXPECT_EQ(file->sampleRate(), 44100);
