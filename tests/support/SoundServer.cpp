@@ -51,6 +51,13 @@ void waitFor(const std::string& what, const std::function<bool()>& condition) {
     }
 }
 
+// Where no systemd runs, WirePlumber would end over its watch of seats, which only Bluetooth needs.
+void doWithoutSeats(const std::string& config) {
+    fs::create_directories(config + "/wireplumber/bluetooth.lua.d");
+    std::ofstream(config + "/wireplumber/bluetooth.lua.d/60-no-seats.lua")
+        << "bluez_monitor.properties[\"with-logind\"] = false\n";
+}
+
 } // namespace
 
 SoundServer::SoundServer(Kind kind)
@@ -62,6 +69,7 @@ SoundServer::SoundServer(Kind kind)
     directory_ = pattern;
     const std::string home = directory_ + "/home";
     fs::create_directory(home);
+    doWithoutSeats(home);
     const char* socket = kind == Kind::PulseAudio ? "/native" : "/pulse/native";
     const std::map<const char*, std::string> environment{
         {"HOME", home},

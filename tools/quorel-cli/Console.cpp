@@ -15,6 +15,15 @@ void print(std::FILE* file, std::string text) {
 
 } // namespace
 
+QString printable(QString text) {
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control) {
+            c = QChar::ReplacementCharacter;
+        }
+    }
+    return text;
+}
+
 void printLine(std::string_view text) {
     print(stdout, std::string(text));
 }

@@ -6,6 +6,9 @@
 
 namespace quorel::cli {
 
+/// The text without control characters: one that stands in a file's name must not reach a terminal.
+QString printable(QString text);
+
 /// A line on standard output, or on standard error; the text as it is.
 void printLine(std::string_view text);
 void printToStandardError(std::string_view text);

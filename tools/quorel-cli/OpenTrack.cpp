@@ -1,16 +1,17 @@
 #include "tools/quorel-cli/OpenTrack.h"
 
 #include "model/Path.h"
+#include "tools/quorel-cli/Console.h"
 
 namespace quorel::cli {
 
 OpenedTrack openTrack(const std::string& path) {
     OpenedAudioFile opened = AudioFile::open(path);
     if (!opened.file) {
-        return {nullptr, aboutFile(path, QString::fromStdString(opened.error))};
+        return {nullptr, QString::fromStdString(opened.error)};
     }
     if (opened.file->length() <= 0) {
-        return {nullptr, aboutFile(path, QStringLiteral("holds no sound"))};
+        return {nullptr, QStringLiteral("holds no sound")};
     }
     return {std::move(opened.file), {}};
 }
@@ -23,7 +24,7 @@ TrackToPlay wholeFile(std::shared_ptr<AudioFile> file) {
 
 QString aboutFile(const std::string& path, const QString& text) {
     const QString shown = pathForDisplay(pathFromBytes(QByteArrayView(path)));
-    return shown + QStringLiteral(": ") + text;
+    return printable(shown) + QStringLiteral(": ") + text;
 }
 
 } // namespace quorel::cli

@@ -11,7 +11,7 @@ namespace quorel::cli {
 /// A file that can be played, or why it cannot.
 struct OpenedTrack {
     std::shared_ptr<AudioFile> file;
-    QString error; ///< for people, with the path
+    QString error; ///< a clause for people
 };
 
 /// Blocks on the disk. `path` is the file system's bytes.
@@ -20,7 +20,7 @@ OpenedTrack openTrack(const std::string& path);
 /// All of the file, as it is.
 TrackToPlay wholeFile(std::shared_ptr<AudioFile> file);
 
-/// A line about a file: its path and what there is to say.
+/// A line about a file for people: its path and what there is to say.
 QString aboutFile(const std::string& path, const QString& text);
 
 } // namespace quorel::cli

@@ -2,6 +2,7 @@
 
 #include "model/Path.h"
 #include "model/Track.h"
+#include "tools/quorel-cli/Console.h"
 
 namespace quorel::cli {
 
@@ -12,8 +13,8 @@ constexpr double kRestartSeconds = 3;
 
 QString titleOf(const std::string& path) {
     const Track track = Track::fromPath(pathFromBytes(QByteArrayView(path)));
-    return track.artist.isEmpty() ? track.title
-                                  : track.artist + QStringLiteral(" - ") + track.title;
+    return printable(track.artist.isEmpty() ? track.title
+                                            : track.artist + QStringLiteral(" - ") + track.title);
 }
 
 } // namespace
@@ -125,7 +126,7 @@ void PlaySession::opened(int index, const OpenedTrack& track) {
 }
 
 void PlaySession::giveUp(int index, const QString& error) {
-    view_.problem(error);
+    view_.problem(aboutFile(paths_[static_cast<std::size_t>(index)], error));
     unplayable_.insert(index);
     prepared_.reset();
     if (wanted_ == index) {
@@ -143,7 +144,7 @@ void PlaySession::begin() {
     ended_ = error.has_value();
     if (error) {
         wanted_ = current_;
-        giveUp(current_, aboutFile(paths_[static_cast<std::size_t>(current_)], error->description));
+        giveUp(current_, error->description);
         return;
     }
     announce();

@@ -36,7 +36,7 @@ std::shared_ptr<AudioFile> TrackRun::openNext() {
 }
 
 void TrackRun::giveUp(const QString& error) {
-    printProblem(error);
+    printProblem(aboutFile(tracks_[next_].path, error));
     tracks_[next_++].error = error;
     nextFile_.reset();
 }
@@ -44,7 +44,7 @@ void TrackRun::giveUp(const QString& error) {
 void TrackRun::playNext() {
     while (const auto file = openNext()) {
         if (const auto error = engine_.load(wholeFile(file), fadeInMs_)) {
-            giveUp(aboutFile(tracks_[next_].path, error->description));
+            giveUp(error->description);
             continue;
         }
         tracks_[next_].start = renderer_.position();

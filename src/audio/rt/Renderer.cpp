@@ -91,8 +91,10 @@ void Renderer::apply(const RenderParameters& wanted) noexcept {
     nodes_.comp.setBypass(wanted.compBypass);
     nodes_.mainMixer.glideVolume(wanted.volume);
     nodes_.mainMixer.setPan(wanted.pan);
-    if (isSilent()) {
-        nodes_.mainMixer.reset(); // nothing sounds: no need to glide
+    if (isSilent()) { // no need to glide
+        nodes_.eq.reset();
+        nodes_.loudEQ.reset();
+        nodes_.mainMixer.reset();
     }
     applyTransport(wanted.playing);
     applied_ = wanted;

@@ -1,5 +1,6 @@
 // The whole way to the ear: engine, worker and output thread on real sound servers, what arrives
 // there captured and compared frame by frame.
+#include "support/ChildProcess.h"
 #include "support/LivePlayer.h"
 #include "support/MadeFile.h"
 #include "support/SoundServer.h"
@@ -7,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <thread>
 
 namespace quorel::test {
 namespace {
@@ -185,6 +188,76 @@ TEST_P(LiveEngine, aFrozenServerHoldsThePositionAndNotTheProgram) {
     ASSERT_TRUE(player.runUntil([&] { return player.engine.currentTime() > 5.5; }));
     EXPECT_TRUE(player.engine.outputNotice().isEmpty());
     EXPECT_LT(player.longestTurn, 20ms);
+}
+
+/// A ramp without an end to speak of; it begins anew every kPeriod frames.
+class EndlessRamp final : public AudioFile {
+  public:
+    static constexpr int64_t kPeriod = 900000;
+
+    EndlessRamp() {
+        format_ = {44100, rt::ChannelLayout::usual(2)};
+        length_ = int64_t{44100} * 86400;
+    }
+    double dataRate() const override { return 0; }
+    int64_t position() const override { return position_; }
+    bool seek(int64_t frame) override {
+        position_ = frame;
+        return true;
+    }
+    int64_t read(float* out, int64_t frames) override {
+        for (int64_t i = 0; i < frames; ++i, ++position_) {
+            const float value = static_cast<float>(position_ % kPeriod + 1) / 1048576.0F;
+            *out++ = value;
+            *out++ = -value;
+        }
+        return frames;
+    }
+
+  private:
+    int64_t position_ = 0;
+};
+
+/// Keeps every processor busy, twice over.
+class Load {
+  public:
+    Load() {
+        for (unsigned i = 0; i < 2 * std::thread::hardware_concurrency(); ++i) {
+            processes_.emplace_back(std::vector<std::string>{"sh", "-c", "while :; do :; done"},
+                                    "/dev/null");
+        }
+    }
+
+  private:
+    std::vector<ChildProcess> processes_;
+};
+
+// QUOREL_SOAK_SECONDS makes it last longer than a moment.
+TEST_P(LiveEngine, keepsPlayingWhileTheProcessorsAreBusy) {
+    server.reset();
+    server.emplace(GetParam());
+    server->addSink("sink_a", 44100); // so that the ramp arrives as it is
+    server->start();
+    server->setDefault("sink_a");
+    const char* wanted = std::getenv("QUOREL_SOAK_SECONDS");
+    const auto length = std::chrono::seconds(wanted ? std::atoi(wanted) : 5);
+    Recorder recorder("sink_a", 44100);
+    LivePlayer player;
+    const Load load;
+    playAloud(player, recorder, {std::make_shared<EndlessRamp>(), QUuid::createUuid(), 0, {}, 1});
+    player.run(length);
+    EXPECT_EQ(player.engine.outputCounts().underflows, 0);
+    EXPECT_EQ(player.engine.outputCounts().underruns, 0);
+    player.engine.stop(0);
+    player.run(500ms);
+    auto numbers = heard(recorder.samples());
+    ASSERT_GT(numbers.size(), 44100 * (static_cast<std::size_t>(length.count()) - 1));
+    numbers.resize(numbers.size() - 2 * kEdge); // the fade at the end
+    int lost = 0;
+    for (const std::size_t place : breaks(numbers)) {
+        lost += numbers[place] == 0 && numbers[place - 1] == EndlessRamp::kPeriod - 1 ? 0 : 1;
+    }
+    EXPECT_EQ(lost, 0);
 }
 
 } // namespace
