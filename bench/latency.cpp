@@ -22,10 +22,12 @@ constexpr float kLevel = 0.1F;
 
 /// Quiet for its first minute, twice as loud after it; constant, so that one sample tells the gain.
 TrackToPlay track() {
-    Samples samples(2 * 60 * kRate, kLevel);
-    samples.resize(2 * 120 * kRate, 2 * kLevel);
-    return {
-        std::make_shared<MadeFile>(kRate, 2, std::move(samples)), QUuid::createUuid(), 0, {}, 1};
+    static const auto file = [] {
+        Samples samples(2 * 60 * kRate, kLevel);
+        samples.resize(2 * 120 * kRate, 2 * kLevel);
+        return std::make_shared<MadeFile>(kRate, 2, std::move(samples));
+    }();
+    return {file, QUuid::createUuid(), 0, {}, 1};
 }
 
 class Bench {
