@@ -1,9 +1,9 @@
 #include "core/QtClock.h"
 
-#include <QTimer>
-
 #include <sys/eventfd.h>
 #include <unistd.h>
+
+#include <QTimer>
 
 namespace quorel {
 

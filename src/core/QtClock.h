@@ -3,7 +3,6 @@
 #include "core/Clock.h"
 
 #include <QSocketNotifier>
-
 #include <memory>
 #include <mutex>
 #include <vector>

@@ -45,6 +45,7 @@ void note() {
 }
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-inconsistent-declaration-parameter-name)
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -74,4 +75,5 @@ int pthread_mutex_lock(pthread_mutex_t* mutex) {
     return next(mutex);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier, readability-inconsistent-declaration-parameter-name)
 #endif

@@ -1,6 +1,7 @@
 #include "audio/decode/SourceStream.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <numeric>
 
@@ -194,6 +195,7 @@ bool SourceStream::dropLast() {
 // falls exactly on a device frame, so that it goes on as if it had never seen the dropped segment.
 bool SourceStream::restartConverterAt(int64_t deviceFrame) {
     const Begun& previous = begun_.back();
+    assert(sourceRate_ > 0);
     const int64_t grid = sourceRate_ / std::gcd(sourceRate_, device_.sampleRate);
     const auto memory = std::lround(kConverterMemorySeconds * sourceRate_);
     const int64_t resume = deviceFrames(deviceFrame, device_.sampleRate, sourceRate_);

@@ -4,7 +4,6 @@
 
 #include <QList>
 #include <QString>
-
 #include <chrono>
 #include <cstdint>
 
@@ -32,10 +31,10 @@ class RenderClient {
 
 /// How far a stream has come, as one consistent reading.
 struct OutputTiming {
-    int64_t framesWritten = 0;               ///< frames taken from the client since the stream opened
-    std::chrono::nanoseconds latency{0};     ///< time until a frame written now would be heard
-    std::chrono::nanoseconds at{0};          ///< std::chrono::steady_clock time of this reading
-    bool advancing = false;                  ///< false while stopped, suspended or stalled
+    int64_t framesWritten = 0;           ///< frames taken from the client since the stream opened
+    std::chrono::nanoseconds latency{0}; ///< time until a frame written now would be heard
+    std::chrono::nanoseconds at{0};      ///< std::chrono::steady_clock time of this reading
+    bool advancing = false;              ///< false while stopped, suspended or stalled
 };
 
 /// What an output has to tell. All calls come on the main thread, posted, never from inside an
@@ -80,8 +79,8 @@ class Output {
     /// heard. Ignored unless `stream` is still the open one.
     virtual void start(uint64_t stream) = 0;
 
-    /// Halts the stream at once, keeping it open. What the buffer still holds is dropped by the next
-    /// start, so the caller stops when all it wants heard has been heard.
+    /// Halts the stream at once, keeping it open. What the buffer still holds is dropped by the
+    /// next start, so the caller stops when all it wants heard has been heard.
     virtual void stop() = 0;
 
     /// The latest reading of the open stream.

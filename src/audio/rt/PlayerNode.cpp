@@ -22,7 +22,23 @@ void PlayerNode::reset() noexcept {
 
 Source* PlayerNode::exchange(Source* source) noexcept {
     halt();
+    if (leaving_) {
+        left_ = std::exchange(leaving_, nullptr);
+    }
     return std::exchange(source_, source);
+}
+
+void PlayerNode::crossTo(Source* source) noexcept {
+    leaving_ = std::exchange(source_, source);
+    leavingEdge_.snap(edge_.value());
+    leavingEdge_.rampTo(0.0F, edgeFrames_, Shape::RaisedCosine);
+    edge_.snap(0.0F);
+    edge_.rampTo(1.0F, edgeFrames_, Shape::RaisedCosine);
+    state_ = State::Playing;
+}
+
+Source* PlayerNode::takeLeft() noexcept {
+    return std::exchange(left_, nullptr);
 }
 
 void PlayerNode::play(bool soft) noexcept {
@@ -80,34 +96,55 @@ int PlayerNode::framesToTake(int wanted) noexcept {
         std::min<int64_t>(fading ? std::min(wanted, edge_.framesLeft()) : wanted, level));
 }
 
-void PlayerNode::take(Block& block, int frames) noexcept {
+int PlayerNode::read(Source& source, const Block& block, int frames) noexcept {
     const int channels = format_.channels();
-    position_ = source_->ring.readPosition();
     if (channels == 2) {
-        taken_ = static_cast<int>(source_->ring.read(block.pair[0], frames));
-    } else {
-        taken_ = static_cast<int>(source_->ring.read(scratch_.data(), frames));
-        for (int pair = 0; pair < block.pairs; ++pair) {
-            const int left = 2 * pair;
-            const int right = std::min(left + 1, channels - 1);
-            float* out = block.pair[static_cast<std::size_t>(pair)];
-            const float* in = scratch_.data();
-            for (int i = 0; i < taken_; ++i, in += channels) {
-                out[2 * i] = in[left];
-                out[2 * i + 1] = in[right];
-            }
+        return static_cast<int>(source.ring.read(block.pair[0], frames));
+    }
+    const int got = static_cast<int>(source.ring.read(interleaved_.data(), frames));
+    for (int pair = 0; pair < block.pairs; ++pair) {
+        const int left = 2 * pair;
+        const int right = std::min(left + 1, channels - 1);
+        float* out = block.pair[static_cast<std::size_t>(pair)];
+        const float* in = interleaved_.data();
+        for (int i = 0; i < got; ++i, in += channels) {
+            out[2 * i] = in[left];
+            out[2 * i + 1] = in[right];
         }
     }
-    Block music = block;
-    music.frames = taken_;
-    sanitise(music);
-    edge_.apply(music);
+    return got;
+}
+
+void PlayerNode::addLeaving(const Block& block) noexcept {
+    Block old;
+    old.pairs = block.pairs;
+    for (std::size_t pair = 0; pair < static_cast<std::size_t>(old.pairs); ++pair) {
+        old.pair[pair] = leavingFrames_[pair].data();
+    }
+    const int wanted = std::min(block.frames, leavingEdge_.framesLeft());
+    old.frames = read(*leaving_, old, wanted);
+    sanitise(old);
+    leavingEdge_.apply(old);
+    for (std::size_t pair = 0; pair < static_cast<std::size_t>(old.pairs); ++pair) {
+        for (int i = 0; i < 2 * old.frames; ++i) {
+            block.pair[pair][i] += old.pair[pair][i];
+        }
+    }
+    if (leavingEdge_.atTarget() || old.frames < wanted) {
+        left_ = std::exchange(leaving_, nullptr);
+    }
 }
 
 void PlayerNode::process(Block& block) noexcept {
     taken_ = 0;
     if (source_ && state_ != State::Halted) {
-        take(block, framesToTake(block.frames));
+        const int frames = framesToTake(block.frames);
+        position_ = source_->ring.readPosition();
+        taken_ = read(*source_, block, frames);
+        Block music = block;
+        music.frames = taken_;
+        sanitise(music);
+        edge_.apply(music);
         if (state_ == State::Stopping || state_ == State::Starving) {
             if (edge_.atTarget() || taken_ < block.frames) {
                 state_ = state_ == State::Stopping ? State::Halted : State::Starved;
@@ -117,6 +154,9 @@ void PlayerNode::process(Block& block) noexcept {
     for (int pair = 0; pair < block.pairs; ++pair) {
         float* samples = block.pair[static_cast<std::size_t>(pair)];
         std::fill(samples + 2 * taken_, samples + 2 * block.frames, 0.0F);
+    }
+    if (leaving_) {
+        addLeaving(block);
     }
 }
 

@@ -17,8 +17,15 @@ class PlayerNode final : public Node {
     void reset() noexcept override;
 
     /// Changes the source, halted, and returns the one that was played before (either may be null).
+    /// One that is still fading out ends.
     Source* exchange(Source* source) noexcept;
     Source* source() const noexcept { return source_; }
+
+    /// While playing: goes over to another source at once, the old one fading out under it.
+    void crossTo(Source* source) noexcept;
+    bool isCrossing() const noexcept { return leaving_ != nullptr; }
+    /// A source that has faded out and is not needed any more, or null.
+    Source* takeLeft() noexcept;
 
     /// Goes on with the next frame; `soft` fades it in over kEdgeSeconds.
     void play(bool soft) noexcept;
@@ -50,18 +57,23 @@ class PlayerNode final : public Node {
 
     void fadeOut(State state, int frames) noexcept;
     int framesToTake(int wanted) noexcept;
-    void take(Block& block, int frames) noexcept;
+    int read(Source& source, const Block& block, int frames) noexcept;
+    void addLeaving(const Block& block) noexcept;
 
     Format format_;
     Source* source_ = nullptr;
     State state_ = State::Halted;
     GainRamp edge_;
+    Source* leaving_ = nullptr; // fades out under the source
+    GainRamp leavingEdge_;
+    Source* left_ = nullptr; // has faded out
     int edgeFrames_ = 0;
     int starvedEdgeFrames_ = 0;
     int64_t position_ = 0;
     int taken_ = 0;
     int underruns_ = 0;
-    std::array<float, kMaxBlockFrames * kMaxChannels> scratch_;
+    std::array<float, kMaxBlockFrames * kMaxChannels> interleaved_;
+    std::array<std::array<float, 2 * kMaxBlockFrames>, kMaxPairs> leavingFrames_;
 };
 
 } // namespace quorel::rt

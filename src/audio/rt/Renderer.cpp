@@ -12,7 +12,8 @@ void Renderer::prepare(const Format& format) {
     nodes_.graph.stop();
     nodes_.graph.prepare(format, nodes_.mainMixer);
     nodes_.graph.start();
-    for (Source* source : {nodes_.player.exchange(nullptr), next_, sources_.take()}) {
+    for (Source* source :
+         {nodes_.player.exchange(nullptr), nodes_.player.takeLeft(), next_, sources_.take()}) {
         if (source) {
             sources_.giveBack(source);
         }
@@ -58,8 +59,27 @@ void Renderer::receiveSource() noexcept {
             sources_.giveBack(next_);
         }
         next_ = source;
-        nodes_.player.pause();
+        crossToNext();
+        if (next_) {
+            nodes_.player.pause();
+        }
     }
+}
+
+// A seek inside the music goes over at once; everything else begins after the old sound has ended,
+// because its parameters are its own.
+void Renderer::crossToNext() noexcept {
+    if (next_->softStart && nodes_.player.isPlaying() && !nodes_.player.isCrossing() &&
+        next_->primed.load(std::memory_order_acquire)) {
+        nodes_.player.crossTo(next_);
+        beginEpoch();
+    }
+}
+
+void Renderer::beginEpoch() noexcept {
+    report_.epoch = next_->epoch;
+    report_.runCount = 0;
+    next_ = nullptr;
 }
 
 // The old source has to be silent all through the chain before the new one begins, so that neither
@@ -71,9 +91,7 @@ void Renderer::switchSourceWhenReady() noexcept {
     if (Source* old = nodes_.player.exchange(next_)) {
         sources_.giveBack(old);
     }
-    report_.epoch = next_->epoch;
-    report_.runCount = 0;
-    next_ = nullptr;
+    beginEpoch();
 }
 
 void Renderer::apply(const RenderParameters& wanted) noexcept {
@@ -193,7 +211,10 @@ void Renderer::renderBlock(float* interleaved, int frames) noexcept {
 }
 
 void Renderer::account(int frames) noexcept {
-    const PlayerNode& player = nodes_.player;
+    PlayerNode& player = nodes_.player;
+    if (Source* left = player.takeLeft()) {
+        sources_.giveBack(left);
+    }
     if (const int taken = player.taken(); taken > 0) {
         RenderedRun* run = report_.runCount == 0
                                ? nullptr

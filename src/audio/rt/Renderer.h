@@ -85,7 +85,9 @@ class Renderer {
 
   private:
     void receiveSource() noexcept;
+    void crossToNext() noexcept;
     void switchSourceWhenReady() noexcept;
+    void beginEpoch() noexcept;
     void apply(const RenderParameters& wanted) noexcept;
     void applyFade(const FadeCommand& fade) noexcept;
     void applyNorm(const GainsCommand<1>& norm) noexcept;
