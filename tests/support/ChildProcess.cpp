@@ -16,6 +16,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     std::vector<std::string> words{"setpriv", "--pdeathsig", "KILL"};
     words.insert(words.end(), command.begin(), command.end());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }
