@@ -2,25 +2,9 @@
 #include "EngineFixture.h"
 
 #include <numeric>
-#include <random>
 
 namespace quorel::test {
 namespace {
-
-/// Broadband, so that a misplaced or missing frame shows at once.
-Samples music(int64_t frames) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<float> noise(-0.1F, 0.1F);
-    Samples samples = tone(frames, 997, 44100, 0.4);
-    for (float& sample : samples) {
-        sample += noise(random);
-    }
-    return samples;
-}
-
-Samples part(const Samples& whole, int64_t from, int64_t to) {
-    return {whole.begin() + 2 * from, whole.begin() + 2 * to};
-}
 
 class Join : public EngineTest {
   protected:

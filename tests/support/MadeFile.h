@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <random>
 #include <vector>
 
 namespace quorel::test {
@@ -57,6 +58,21 @@ inline Samples tone(int64_t frames, double hertz, int rate, double level = 0.5) 
         samples.insert(samples.end(), {value, value});
     }
     return samples;
+}
+
+/// Broadband, so that a misplaced or missing frame shows at once.
+inline Samples music(int64_t frames) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> noise(-0.1F, 0.1F);
+    Samples samples = tone(frames, 997, 44100, 0.4);
+    for (float& sample : samples) {
+        sample += noise(random);
+    }
+    return samples;
+}
+
+inline Samples part(const Samples& whole, int64_t from, int64_t to) {
+    return {whole.begin() + 2 * from, whole.begin() + 2 * to};
 }
 
 } // namespace quorel::test

@@ -1,5 +1,6 @@
 // The whole way to the ear: engine, worker and output thread on real sound servers, what arrives
 // there captured and compared frame by frame.
+#include "audio/OfflineRenderer.h"
 #include "support/ChildProcess.h"
 #include "support/LivePlayer.h"
 #include "support/MadeFile.h"
@@ -99,6 +100,70 @@ TEST_P(LiveEngine, everyFrameOfJoinedTracksArrivesOnce) {
     EXPECT_EQ(numbers.front(), 0);
     EXPECT_TRUE(breaks(numbers).empty());
     EXPECT_EQ(player.engine.outputCounts().underruns, 0);
+}
+
+TEST_P(LiveEngine, aCutRecordingComesThroughTheConverterAsIfUncut) {
+    constexpr int64_t frames = 132301;
+    constexpr int64_t cut = 60013;
+    const Samples whole = music(frames);
+    const auto piece = [&](int64_t from, int64_t to) {
+        return TrackToPlay{std::make_shared<MadeFile>(44100, 2, part(whole, from, to)),
+                           QUuid::createUuid(),
+                           0,
+                           {},
+                           1.0};
+    };
+    Recorder recorder("sink_a");
+    LivePlayer player;
+    playAloud(player, recorder, piece(0, cut));
+    ASSERT_TRUE(player.engine.preloadNext(piece(cut, frames)));
+    ASSERT_TRUE(player.runUntil([&] { return player.ended == 1; }));
+    player.run(1000ms);
+
+    OfflineRenderer uncut({kRate, rt::ChannelLayout::usual(2)});
+    ASSERT_FALSE(uncut.engine().load(piece(0, frames), 0));
+    Samples expected;
+    uncut.render(4 * kRate, expected);
+    // Both from their first sound to their last.
+    const auto sounding = [](Samples samples) {
+        const auto sounds = [](float sample) { return sample != 0.0F; };
+        samples.erase(std::find_if(samples.rbegin(), samples.rend(), sounds).base(), samples.end());
+        samples.erase(samples.begin(), std::ranges::find_if(samples, sounds));
+        return samples;
+    };
+    const Samples got = sounding(recorder.samples());
+    expected = sounding(expected);
+    ASSERT_EQ(got.size(), expected.size());
+    float worst = 0;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        worst = std::max(worst, std::abs(got[i] - expected[i]));
+    }
+    EXPECT_LT(worst, 1e-6F);
+}
+
+TEST_P(LiveEngine, anotherRateFollowsAfterAShortSilenceAndWhole) {
+    Recorder recorder("sink_a");
+    LivePlayer player;
+    const auto next = std::make_shared<MadeFile>(44100, 1, Samples(44100, 0.25F));
+    player.engine.onTrackEnded = [&] {
+        if (++player.ended == 1) {
+            EXPECT_FALSE(player.engine.load({next, QUuid::createUuid(), 0, {}, 1.0}, 0));
+        }
+    };
+    playAloud(player, recorder, track(48000));
+    ASSERT_TRUE(player.runUntil([&] { return player.ended == 2; }));
+    player.run(1000ms);
+    const auto samples = recorder.samples();
+    int64_t silence = 0; // between the last of the ramp and the first of the next track
+    int64_t second = 0;
+    const float level = 0.25F * std::pow(10.0F, -0.8F / 20.0F);
+    for (std::size_t i = 0; i < samples.size(); i += 2) {
+        const bool ofSecond = std::abs(samples[i] - level) < 0.1F;
+        second += ofSecond ? 1 : 0;
+        silence = samples[i] == 0.0F && second == 0 ? silence + 1 : second == 0 ? 0 : silence;
+    }
+    EXPECT_LE(silence, kRate / 4);
+    EXPECT_NEAR(static_cast<double>(second), kRate, 60) << "but for the converter's soft edges";
 }
 
 TEST_P(LiveEngine, pauseAndSeekComeOutAtTheFrameAskedFor) {
