@@ -102,9 +102,11 @@ void SourceWorker::pump() {
 }
 
 std::vector<SourceWorker::Order> SourceWorker::takeOrders() {
+    std::shared_ptr<AudioFile> done; // closed after the lock, if this is its last use
     const std::lock_guard lock(mutex_);
     if (!orders_.empty() && reading_) {
         reading_->resume(); // what it was cancelled for is about to be carried out
+        done.swap(reading_);
     }
     return std::exchange(orders_, {});
 }
