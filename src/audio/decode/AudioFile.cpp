@@ -1,8 +1,12 @@
 #include "audio/decode/AudioFile.h"
 
+#include "audio/decode/AiffReader.h"
 #include "audio/decode/AudioReader.h"
 #include "audio/decode/AudioTags.h"
+#include "audio/decode/CafReader.h"
 #include "audio/decode/FlacFile.h"
+#include "audio/decode/Mp4Reader.h"
+#include "audio/decode/MpegFile.h"
 #include "audio/decode/WavReader.h"
 
 #include <array>
@@ -10,7 +14,9 @@
 namespace quorel {
 
 namespace {
-constexpr std::array kReaders{kFlacReader, kWavReader};
+// In the order in which they are asked; the last one claims whatever the others left.
+constexpr std::array kReaders{kFlacReader, kWavReader, kAiffReader,
+                              kCafReader,  kMp4Reader, kMpegReader};
 } // namespace
 
 OpenedAudioFile AudioFile::open(const std::string& path) {

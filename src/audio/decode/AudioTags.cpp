@@ -29,6 +29,17 @@ int64_t id3v2Bytes(const InputFile& file, int64_t offset) {
     return bytes + (footer ? 20 : 10);
 }
 
+// The first byte that is not zero, of the next few: taggers leave room for longer tags. Only where
+// another tag begins may the zeros be skipped, as some formats begin with zeros of their own.
+int64_t behindZeros(const InputFile& file, int64_t offset) {
+    std::array<std::byte, 16384> bytes{};
+    const std::size_t got = file.readAt(offset, bytes);
+    const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(got);
+    return offset +
+           (std::find_if(bytes.begin(), end, [](std::byte b) { return b != std::byte{}; }) -
+            bytes.begin());
+}
+
 bool hasText(const InputFile& file, int64_t offset, std::string_view text) {
     std::array<std::byte, 8> bytes{};
     return offset >= 0 && file.readAt(offset, bytes) == bytes.size() && startsWith(bytes, text);
@@ -51,19 +62,24 @@ int64_t apeBytes(const InputFile& file, int64_t end) {
 
 int64_t endOfLeadingTags(const InputFile& file) {
     int64_t offset = 0;
-    while (const int64_t bytes = id3v2Bytes(file, offset)) {
-        offset += bytes;
+    int64_t next = 0;
+    while (const int64_t bytes = id3v2Bytes(file, next)) {
+        offset = next + bytes;
+        next = behindZeros(file, offset);
     }
     return std::min(offset, file.size());
 }
 
 int64_t startOfTrailingTags(const InputFile& file, int64_t begin) {
     int64_t end = file.size();
-    if (end - kId3v1Bytes >= begin && hasText(file, end - kId3v1Bytes, "TAG")) {
-        end -= kId3v1Bytes;
+    for (;;) {
+        const bool id3v1 = hasText(file, end - kId3v1Bytes, "TAG");
+        const int64_t bytes = id3v1 ? kId3v1Bytes : apeBytes(file, end);
+        if (bytes == 0 || end - bytes < begin) {
+            return end;
+        }
+        end -= bytes;
     }
-    const int64_t ape = apeBytes(file, end);
-    return end - ape >= begin ? end - ape : end;
 }
 
 } // namespace quorel

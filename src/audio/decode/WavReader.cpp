@@ -2,6 +2,8 @@
 
 #include "audio/decode/Bytes.h"
 #include "audio/decode/ChannelMask.h"
+#include "audio/decode/MpegFile.h"
+#include "audio/decode/PacketFile.h"
 #include "audio/decode/PcmFile.h"
 
 #include <algorithm>
@@ -16,7 +18,13 @@ namespace {
 constexpr int kMaxChunks = 10'000; // of a damaged file that goes on and on
 constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
 constexpr uint32_t kTagPcm = 0x0001;
+constexpr uint32_t kTagAdpcmMs = 0x0002;
 constexpr uint32_t kTagFloat = 0x0003;
+constexpr uint32_t kTagALaw = 0x0006;
+constexpr uint32_t kTagMuLaw = 0x0007;
+constexpr uint32_t kTagAdpcmIma = 0x0011;
+constexpr uint32_t kTagMpegLayer12 = 0x0050;
+constexpr uint32_t kTagMpegLayer3 = 0x0055;
 constexpr uint32_t kTagExtensible = 0xFFFE;
 
 struct FormatChunk {
@@ -26,6 +34,7 @@ struct FormatChunk {
     int frameBytes = 0;
     int bits = 0;
     uint32_t channelMask = 0;
+    uint32_t blockFrames = 0; // of ADPCM, whose frameBytes are those of a block
 };
 
 struct DataChunk {
@@ -36,6 +45,7 @@ struct DataChunk {
 struct Chunks {
     std::optional<FormatChunk> format;
     std::optional<DataChunk> data;
+    uint32_t frames = 0; // stated of compressed sound
 };
 
 class Walker {
@@ -77,6 +87,8 @@ Chunks Walker::walk() {
         offset += 8;
         if (startsWith(header, "fmt ")) {
             chunks.format = readFormat(offset, bytes);
+        } else if (startsWith(header, "fact") && got >= 12) {
+            chunks.frames = number(header.data() + 8, 4);
         } else if (startsWith(header, "ds64")) {
             std::array<std::byte, 16> sizes{};
             if (source_.file.readAt(offset, sizes) == sizes.size()) {
@@ -116,6 +128,7 @@ std::optional<FormatChunk> Walker::readFormat(int64_t offset, int64_t bytes) con
     format.sampleRate = number(chunk.data() + 4, 4);
     format.frameBytes = static_cast<int>(number(chunk.data() + 12, 2));
     format.bits = static_cast<int>(number(chunk.data() + 14, 2));
+    format.blockFrames = got >= 20 ? number(chunk.data() + 18, 2) : 0;
     if (format.tag == kTagExtensible && got == chunk.size()) {
         format.channelMask = number(chunk.data() + 20, 4);
         format.tag = number(chunk.data() + 24, 2); // the subformat's GUID starts with its old tag
@@ -129,6 +142,10 @@ std::optional<PcmSample> sampleOf(const FormatChunk& format, int bytes) {
                : bytes == 8 ? std::optional(PcmSample::F64)
                             : std::nullopt;
     }
+    if (format.tag == kTagALaw || format.tag == kTagMuLaw) {
+        const auto code = format.tag == kTagALaw ? PcmSample::ALaw : PcmSample::MuLaw;
+        return bytes == 1 ? std::optional(code) : std::nullopt;
+    }
     static constexpr std::array kIntegers{PcmSample::U8, PcmSample::S16, PcmSample::S24,
                                           PcmSample::S32};
     if (bytes < 1 || bytes > 4) {
@@ -138,8 +155,10 @@ std::optional<PcmSample> sampleOf(const FormatChunk& format, int bytes) {
 }
 
 std::string refusal(const FormatChunk& format) {
-    if (format.tag != kTagPcm && format.tag != kTagFloat) {
-        return "a WAV file with compressed sound, which is not supported";
+    static constexpr std::array kKnown{kTagPcm,     kTagFloat,    kTagALaw,        kTagMuLaw,
+                                       kTagAdpcmMs, kTagAdpcmIma, kTagMpegLayer12, kTagMpegLayer3};
+    if (std::find(kKnown.begin(), kKnown.end(), format.tag) == kKnown.end()) {
+        return "a WAV file with compressed sound of a kind that is not supported";
     }
     if (format.channels < 1 || format.channels > rt::kMaxChannels) {
         return "a WAV file with " + std::to_string(format.channels) + " channels";
@@ -148,6 +167,32 @@ std::string refusal(const FormatChunk& format) {
         return "a WAV file with a sampling rate of " + std::to_string(format.sampleRate) + " Hz";
     }
     return {};
+}
+
+// Blocks of one size, each decoded on its own; the last one may be cut short.
+OpenedAudioFile openAdpcm(AudioSource source, const Chunks& chunks) {
+    const FormatChunk& format = *chunks.format;
+    if (format.frameBytes < 4 * format.channels || format.blockFrames == 0) {
+        return refuse("a WAV file with ADPCM blocks of an absurd size");
+    }
+    PacketStream stream;
+    stream.codec =
+        format.tag == kTagAdpcmMs ? CodecDecoder::Codec::AdpcmMs : CodecDecoder::Codec::AdpcmIma;
+    stream.sampleRate = static_cast<int>(format.sampleRate);
+    stream.channels = format.channels;
+    stream.ticksPerSecond = format.sampleRate;
+    const int64_t blocks = chunks.data->bytes / format.frameBytes;
+    stream.packets.reserve(static_cast<uint64_t>(blocks));
+    const auto blockBytes = static_cast<uint32_t>(format.frameBytes);
+    for (int64_t i = 0; i < blocks; ++i) {
+        if (!stream.packets.add(chunks.data->offset + i * blockBytes, blockBytes,
+                                format.blockFrames)) {
+            break;
+        }
+    }
+    const int64_t total = stream.packets.end();
+    stream.length = chunks.frames > 0 ? std::min<int64_t>(chunks.frames, total) : total;
+    return PacketFile::open(std::move(source), std::move(stream));
 }
 
 } // namespace
@@ -170,6 +215,14 @@ OpenedAudioFile openWav(AudioSource source) {
     }
     if (!chunks.data) {
         return refuse("a WAV file without sound");
+    }
+    if (format.tag == kTagMpegLayer12 || format.tag == kTagMpegLayer3) {
+        source.begin = chunks.data->offset;
+        source.end = chunks.data->offset + chunks.data->bytes;
+        return openMpeg(std::move(source));
+    }
+    if (format.tag == kTagAdpcmMs || format.tag == kTagAdpcmIma) {
+        return openAdpcm(std::move(source), chunks);
     }
     // A sample may stand in more bytes than its bits need (12 in 16, 24 in 32), at their upper end.
     const int neededBytes = (format.bits + 7) / 8;

@@ -123,8 +123,8 @@ TEST(WavFile, SaysWhyItIsRefused) {
         std::string bytes;
         const char* reason;
     } cases[] = {
-        {wavBytes(sound, {.tag = 2}), "compressed"},
-        {wavBytes(sound, {.tag = 0x55, .mask = 3}), "compressed"},
+        {wavBytes(sound, {.tag = 0x31}), "compressed"},
+        {wavBytes(sound, {.tag = 0x161, .mask = 3}), "compressed"},
         {wavBytes(TestSound(100, 9, 16)), "9 channels"},
         {wavBytes(sound, {.sampleRate = 0}), "0 Hz"},
         {wavBytes(TestSound(100, 2, 24), {.tag = 3, .containerBytes = 3}), "24 bits"},

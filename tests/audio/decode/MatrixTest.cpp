@@ -1,0 +1,190 @@
+#include "support/AudioFixtures.h"
+#include "support/AudioMatrix.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <string>
+#include <thread>
+
+namespace quorel::test {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Check = MatrixFile::Check;
+
+#ifdef QUOREL_SANITIZED
+constexpr double kPatience = 10;
+#else
+constexpr double kPatience = 1;
+#endif
+
+// One channel's steps from frame to frame: what differs most between two places of a sound.
+std::vector<float> steps(const std::vector<float>& interleaved, int channels, int channel) {
+    const auto stride = static_cast<std::size_t>(channels);
+    std::vector<float> result;
+    for (auto i = static_cast<std::size_t>(channel) + stride; i < interleaved.size(); i += stride) {
+        result.push_back(interleaved[i] - interleaved[i - stride]);
+    }
+    return result;
+}
+
+// How alike two sounds are, -1..1, where the first comes `lag` frames late.
+double likeness(const std::vector<float>& late, const std::vector<float>& sound, int64_t lag) {
+    constexpr int64_t kMost = 60000;
+    const int64_t begin = std::max<int64_t>(0, -lag);
+    const int64_t end = std::min({static_cast<int64_t>(sound.size()),
+                                  static_cast<int64_t>(late.size()) - lag, begin + kMost});
+    double product = 0;
+    double one = 1e-30;
+    double other = 1e-30;
+    for (int64_t i = begin; i < end; ++i) {
+        const auto a = static_cast<double>(late[static_cast<std::size_t>(i + lag)]);
+        const auto b = static_cast<double>(sound[static_cast<std::size_t>(i)]);
+        product += a * b;
+        one += a * a;
+        other += b * b;
+    }
+    return product / std::sqrt(one * other);
+}
+
+// A lossy codec's sound is in time to the frame, and every channel is in its place.
+void expectLike(const std::vector<float>& played, const MatrixFile& file) {
+    const std::vector<float> sound = readFloats(file.source);
+    for (int channel = 0; channel < file.channels; ++channel) {
+        const std::vector<float> ours = steps(played, file.channels, channel);
+        const std::vector<float> theirs = steps(sound, file.channels, channel);
+        int64_t best = 0;
+        double most = -1;
+        for (int64_t lag = file.lag - 24; lag <= file.lag + 24; ++lag) {
+            const double found = likeness(ours, theirs, lag);
+            if (found > most) {
+                most = found;
+                best = lag;
+            }
+        }
+        // Of the bass channel a codec keeps what has too little treble to tell the time by.
+        if (file.channels < 6 || channel != 3) {
+            EXPECT_EQ(best, file.lag) << "channel " << channel;
+            EXPECT_GT(most, 0.5) << "channel " << channel;
+        }
+        for (int other = 0; other < file.channels; ++other) {
+            if (other != channel) {
+                EXPECT_LT(likeness(ours, steps(sound, file.channels, other), file.lag), most)
+                    << "channel " << channel << " is more like " << other;
+            }
+        }
+    }
+}
+
+// The samples themselves, from the first frame to wherever a broken file ends.
+void expectExact(const std::vector<float>& played, const MatrixFile& file) {
+    const std::vector<float> sound = readFloats(file.source);
+    ASSERT_LE(played.size(), sound.size());
+    const auto apart = std::mismatch(played.begin(), played.end(), sound.begin());
+    EXPECT_EQ(apart.first - played.begin(), static_cast<std::ptrdiff_t>(played.size()))
+        << "first sample that differs";
+}
+
+void expectSeeksExact(const MatrixFile& made, const std::vector<float>& linear, unsigned seed) {
+    const auto file = AudioFile::open(made.path).file;
+    ASSERT_TRUE(file);
+    const int64_t length = static_cast<int64_t>(linear.size()) / file->channels();
+    std::minstd_rand random(seed);
+    for (int i = 0; i < 30; ++i) {
+        // Near both ends too, where the pre-roll is cut short and the padding begins.
+        const int64_t range = i % 5 == 1 ? std::min<int64_t>(length, 3000) : length;
+        const int64_t within = static_cast<int64_t>(random()) % range;
+        const int64_t target =
+            i % 5 == 2 ? std::max<int64_t>(0, length - 1 - within % 3000) : within;
+        const int64_t wanted = std::min(1 + static_cast<int64_t>(random()) % 3000, length - target);
+        ASSERT_TRUE(file->seek(target));
+        ASSERT_EQ(file->position(), target);
+        const std::vector<float> got = readAll(*file, wanted);
+        ASSERT_EQ(got.size(), static_cast<std::size_t>(wanted * file->channels())) << target;
+        ASSERT_EQ(std::memcmp(got.data(), linear.data() + target * file->channels(),
+                              got.size() * sizeof(float)),
+                  0)
+            << "seek to " << target;
+    }
+}
+
+void expectRefused(const MatrixFile& made) {
+    double fastest = 1e9;
+    for (int i = 0; i < 3; ++i) { // something else may have run during one
+        const auto start = Clock::now();
+        const auto opened = AudioFile::open(made.path);
+        fastest = std::min(fastest, std::chrono::duration<double>(Clock::now() - start).count());
+        EXPECT_FALSE(opened.file);
+        EXPECT_FALSE(opened.error.empty());
+    }
+    EXPECT_LT(fastest, 0.05 * kPatience);
+}
+
+void expectAsMade(const MatrixFile& made) {
+    const auto [file, error] = AudioFile::open(made.path);
+    ASSERT_TRUE(file) << error;
+    ASSERT_EQ(file->channels(), made.channels);
+    EXPECT_EQ(file->sampleRate(), made.sampleRate);
+    const std::vector<float> linear = readAll(*file);
+    const int64_t played = static_cast<int64_t>(linear.size()) / made.channels;
+    EXPECT_GE(played, made.fewest);
+    EXPECT_LE(played, made.most);
+    EXPECT_GE(file->length(), played);
+    if (made.stated()) {
+        EXPECT_EQ(file->length(), made.fewest);
+    }
+    if (played == 0) {
+        return;
+    }
+    if (made.check == Check::Exact) {
+        expectExact(linear, made);
+    } else if (made.check == Check::Like) {
+        expectLike(linear, made);
+    }
+    // Three readers at once, each seeking for itself.
+    std::vector<std::jthread> readers;
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        readers.emplace_back([&, seed] {
+            SCOPED_TRACE(made.name);
+            expectSeeksExact(made, linear, seed);
+        });
+    }
+}
+
+class Matrix : public testing::TestWithParam<const char*> {};
+
+TEST_P(Matrix, PlaysToTheFrame) {
+    const std::vector<MatrixFile> files =
+        matrixFiles(QUOREL_AUDIO_MATRIX, std::string(GetParam()) + "_");
+    if (files.empty()) {
+        GTEST_SKIP() << "scripts/make-audio-matrix has not run, or lacks the encoder";
+    }
+    for (const MatrixFile& file : files) {
+        SCOPED_TRACE(file.name);
+        if (file.check == Check::Refused) {
+            expectRefused(file);
+        } else {
+            expectAsMade(file);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Matrix,
+                         testing::Values("mp3", "aac", "m4a", "m4b", "flac", "wav", "aiff", "caf",
+                                         "bad"));
+
+TEST(MatrixName, MayLookLikeAnAddress) {
+    for (const MatrixFile& file : matrixFiles(QUOREL_AUDIO_MATRIX, "http")) {
+        expectAsMade(file);
+    }
+}
+
+} // namespace
+
+} // namespace quorel::test
