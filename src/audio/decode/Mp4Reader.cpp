@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -56,7 +57,7 @@ Trim trimOf(const Mp4Movie& movie, int64_t total) {
         const double edited =
             static_cast<double>(track.editDuration) * track.ticksPerSecond / movie.ticksPerSecond;
         if (edited + static_cast<double>(tick) < static_cast<double>(trim.length)) {
-            trim.length = static_cast<int64_t>(edited + 0.5);
+            trim.length = std::llround(edited);
         }
     }
     return trim;
