@@ -10,6 +10,13 @@
 
 namespace quorel::test {
 
+/// By how much longer than usual things may take: sanitizers slow everything down.
+#ifdef QUOREL_SANITIZED
+inline constexpr int kPatience = 10;
+#else
+inline constexpr int kPatience = 1;
+#endif
+
 /// A folder of its own that goes with the object.
 class TemporaryFolder {
   public:

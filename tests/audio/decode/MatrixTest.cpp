@@ -18,12 +18,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Check = MatrixFile::Check;
 
-#ifdef QUOREL_SANITIZED
-constexpr double kPatience = 10;
-#else
-constexpr double kPatience = 1;
-#endif
-
 // One channel's steps from frame to frame: what differs most between two places of a sound.
 std::vector<float> steps(const std::vector<float>& interleaved, int channels, int channel) {
     const auto stride = static_cast<std::size_t>(channels);

@@ -17,12 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-#ifdef QUOREL_SANITIZED
-constexpr double kPatience = 8;
-#else
-constexpr double kPatience = 1;
-#endif
-
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
