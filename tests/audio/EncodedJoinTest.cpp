@@ -18,8 +18,8 @@ struct Encoding {
     bool lossless = false;
 };
 
-void PrintTo(const Encoding& encoding, std::ostream* out) {
-    *out << encoding.name;
+std::ostream& operator<<(std::ostream& out, const Encoding& encoding) {
+    return out << encoding.name;
 }
 
 TestSound piece(const TestSound& whole, int64_t from, int64_t frames) {
