@@ -11,6 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 constexpr auto kTickInterval = 200ms;
+constexpr auto kMeterInterval = Clock::Duration(1s) / 15;
 constexpr double kPreloadSeconds = 12.0;
 constexpr double kSeekMargin = 0.05;
 
@@ -32,6 +33,7 @@ AudioEngine::AudioEngine(Clock& clock, std::unique_ptr<Output> output, SourceWor
     , normRamp_(clock)
     , loudRamp_(clock)
     , timer_(clock.startTimer(kTickInterval, Clock::Repeat::Always, [this] { tick(); }))
+    , visTimer_(clock.startTimer(kMeterInterval, Clock::Repeat::Always, [this] { meterTick(); }))
     , worker_(mode, workerEvents()) {
     output_->attach(*this, *this);
 }
@@ -297,6 +299,7 @@ double AudioEngine::heardTime() {
 void AudioEngine::tick() {
     freeSources();
     haltOutputWhenHeard();
+    decayMeters();
     if (!isPlaying_ || !current_) {
         return;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "audio/Meter.h"
 #include "audio/SteppedRamp.h"
 #include "audio/decode/SourceWorker.h"
 #include "audio/output/Output.h"
@@ -106,6 +107,11 @@ class AudioEngine final : RenderClient, OutputListener {
 
     void setCompressor(bool on, CompressorPreset preset);
 
+    // --- Meters ----------------------------------------------------------------------------------
+
+    const MeterValues& meters() const { return meter_.values(); }
+    std::function<void()> onMetersChanged; ///< 15 times a second while playing
+
     // --- Output ----------------------------------------------------------------------------------
 
     /// Opens the output on the device with that UID, or on the system's default when it is empty.
@@ -179,6 +185,10 @@ class AudioEngine final : RenderClient, OutputListener {
     void rampLoudEQ(const std::array<float, rt::kLoudnessBands>& db);
     void sendParameters();
 
+    // Meters.
+    void meterTick();
+    void decayMeters();
+
     // Output.
     void runOutput();
     void runOutputWhenPrimed(uint64_t epoch);
@@ -234,7 +244,9 @@ class AudioEngine final : RenderClient, OutputListener {
     int underruns_ = 0;
 
     SteppedRamp fadeRamp_, eqRamp_, normRamp_, loudRamp_;
+    Meter meter_;
     std::unique_ptr<Timer> timer_;
+    std::unique_ptr<Timer> visTimer_;
     std::unique_ptr<Timer> completionTimer_;
     SourceWorker worker_; // last: its events must find the rest in place
 };

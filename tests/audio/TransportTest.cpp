@@ -95,7 +95,7 @@ TEST_P(Transport, lateQueueingJoinsAsLongAsThereIsTime) {
     EXPECT_EQ(wrongFrames(0, 144000, 0), 0);
 
     ASSERT_TRUE(load(track(stereo(ramp(96000)))));
-    render(1.75);
+    render(1.8);
     EXPECT_FALSE(engine.preloadNext(track(stereo(ramp(48000)))));
 }
 

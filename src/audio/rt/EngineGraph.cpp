@@ -3,9 +3,9 @@
 namespace quorel::rt {
 
 EngineGraph::EngineGraph() {
-    for (Node* node : std::initializer_list<Node*>{&player, &noisePlayer, &mechPlayer, &preMix,
-                                                   &outputGain, &varispeed, &normUnit, &charEQ, &eq,
-                                                   &comp, &limiter, &loudEQ, &mainMixer}) {
+    for (Node* node : std::initializer_list<Node*>{
+             &player, &noisePlayer, &mechPlayer, &preMix, &outputGain, &varispeed, &normUnit,
+             &charEQ, &eq, &comp, &limiter, &loudEQ, &meterTap, &mainMixer}) {
         graph.attach(*node);
     }
     using enum FilterType;
@@ -32,7 +32,8 @@ EngineGraph::EngineGraph() {
     graph.connect(eq, comp);
     graph.connect(comp, loudEQ);
     graph.connect(loudEQ, limiter);
-    graph.connect(limiter, outputGain);
+    graph.connect(limiter, meterTap);
+    graph.connect(meterTap, outputGain);
     graph.connect(outputGain, mainMixer);
 
     normUnit.setBypass(true);

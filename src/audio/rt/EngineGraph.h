@@ -3,6 +3,7 @@
 #include "audio/rt/DynamicsProcessor.h"
 #include "audio/rt/EqUnit.h"
 #include "audio/rt/Graph.h"
+#include "audio/rt/MeterTap.h"
 #include "audio/rt/Mixer.h"
 #include "audio/rt/PeakLimiter.h"
 #include "audio/rt/PlayerNode.h"
@@ -22,7 +23,7 @@ class IdleNode final : public Node {
 };
 
 /// The player's nodes and their wiring, fixed for life: player, preMix, normalisation, equaliser,
-/// compressor, loudness compensation, limiter, fade, main mixer.
+/// compressor, loudness compensation, limiter, meter tap, fade, main mixer.
 struct EngineGraph {
     EngineGraph();
 
@@ -36,7 +37,8 @@ struct EngineGraph {
     DynamicsProcessor comp;
     PeakLimiter limiter;
     EqUnit loudEQ{kLoudnessBands};
-    Mixer mainMixer; ///< the user's volume and balance
+    MeterTap meterTap; ///< before the fade, so that the meters show the music's own level
+    Mixer mainMixer;   ///< the user's volume and balance
     Graph graph;
 };
 

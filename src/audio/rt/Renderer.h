@@ -79,6 +79,7 @@ class Renderer {
     /// Frames by which the sound lags behind the source.
     int latencyFrames() const { return nodes_.graph.latencyFrames(); }
     const EngineGraph& nodes() const { return nodes_; }
+    MeterTap& meterTap() { return nodes_.meterTap; }
 
     /// Output thread: fills `frames` interleaved frames in the prepared format.
     void render(float* interleaved, int frames) noexcept;

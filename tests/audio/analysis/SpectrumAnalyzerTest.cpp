@@ -1,0 +1,107 @@
+#include "audio/analysis/SpectrumAnalyzer.h"
+
+#include "support/Spectrum.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <random>
+
+namespace quorel::test {
+namespace {
+
+constexpr int kSize = 1024;
+constexpr int kBars = 24;
+using Bars = std::array<float, kBars>;
+
+Bars barsOf(const std::vector<float>& samples) {
+    SpectrumAnalyzer analyzer(kSize);
+    Bars bars;
+    bars.fill(0.5F);
+    analyzer.magnitudes(samples, bars);
+    return bars;
+}
+
+// A tone a third of a bin beside bin 21 stands in the bar of bins 14 to 21. Its height follows from
+// the Hann window: sinc(1/3) / (1 - 1/9) of the tone's level.
+TEST(Spectrum, ofATone) {
+    constexpr double kThird = std::numbers::pi / 3;
+    const double lobe = std::sin(kThird) / kThird / (1 - 1.0 / 9);
+    for (const double level : {0.5, 0.05, 0.01}) {
+        const Bars bars = barsOf(sine(level, 1000, 48000, kSize));
+        const double db = 20 * std::log10(level * std::sqrt(2.0 / 3) * lobe);
+        const double expected = std::min((db + 4.0 / 23 * 12 + 62) / 55, 1.0);
+        EXPECT_NEAR(bars[4], expected, 0.001) << level;
+        for (const std::size_t far : {0U, 1U, 9U, 12U, 23U}) {
+            EXPECT_LT(bars[far], 0.02F) << far << " at " << level;
+        }
+    }
+}
+
+/// Noise with the same power in each octave.
+std::vector<float> pinkNoise(unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> phase(0, 2 * std::numbers::pi);
+    std::vector<double> sum(kSize);
+    for (int bin = 1; bin < kSize / 2; ++bin) {
+        const double start = phase(random);
+        for (int n = 0; n < kSize; ++n) {
+            sum[static_cast<std::size_t>(n)] +=
+                0.1 / std::sqrt(bin) * std::cos(2 * std::numbers::pi * bin * n / kSize + start);
+        }
+    }
+    return {sum.begin(), sum.end()};
+}
+
+/// The bars by the definition of the Fourier transform.
+Bars barsByDefinition(const std::vector<float>& samples) {
+    Bars bars;
+    for (int band = 0; band < kBars; ++band) {
+        const int low = std::max(band * band * (kSize / 2) / (kBars * kBars), 1);
+        const int high = std::max((band + 1) * (band + 1) * (kSize / 2) / (kBars * kBars), low + 1);
+        double power = 0;
+        for (int bin = low; bin < high; ++bin) {
+            std::complex<double> sum = 0;
+            for (int n = 0; n < kSize; ++n) {
+                const double turn = 2 * std::numbers::pi * n / kSize;
+                sum += std::polar(0.8165 * (1 - std::cos(turn)) *
+                                      static_cast<double>(samples[static_cast<std::size_t>(n)]),
+                                  -turn * bin);
+            }
+            power = std::max(power, std::norm(2.0 * sum) / (double(kSize) * kSize));
+        }
+        const double height = (10 * std::log10(power) + band * 12.0 / (kBars - 1) + 62) / 55;
+        bars[static_cast<std::size_t>(band)] = static_cast<float>(std::clamp(height, 0.0, 1.0));
+    }
+    return bars;
+}
+
+TEST(Spectrum, ofPinkNoise) {
+    Bars mean{};
+    constexpr int kRuns = 8;
+    for (unsigned run = 0; run < kRuns; ++run) {
+        const std::vector<float> noise = pinkNoise(run);
+        const Bars bars = barsOf(noise);
+        const Bars expected = barsByDefinition(noise);
+        for (std::size_t band = 0; band < kBars; ++band) {
+            EXPECT_NEAR(bars[band], expected[band], 2e-5) << band;
+            mean[band] += bars[band] / kRuns;
+        }
+    }
+    // The tilt takes back 12 of the 27 dB by which single bins fall, the maxima much of the rest.
+    const auto [lowest, highest] = std::minmax_element(mean.begin(), mean.end());
+    EXPECT_LT(*highest - *lowest, 12.0F / 55.0F);
+}
+
+TEST(Spectrum, emptyWithoutTheRightNumberOfSamples) {
+    for (const int count : {0, kSize - 1, kSize + 1}) {
+        EXPECT_EQ(barsOf(sine(0.5, 1000, 48000, count)), Bars{}) << count;
+    }
+    EXPECT_EQ(barsOf(std::vector<float>(kSize)), Bars{}) << "silence";
+}
+
+} // namespace
+} // namespace quorel::test
