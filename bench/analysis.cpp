@@ -1,5 +1,6 @@
 // What measuring costs: the meters while a second is played, and trim, levels and tempo of a
-// five-minute FLAC. Ends with the ratio of measuring the levels to decoding alone.
+// five-minute FLAC. Ends with the meters' share of a core while something plays, and the ratio of
+// measuring the levels to decoding alone.
 #include "audio/Meter.h"
 #include "audio/analysis/TrackAnalysis.h"
 #include "support/AudioFixtures.h"
@@ -63,6 +64,11 @@ struct Playing {
             tap.process(block);
         }
     }
+    void ticksOfASecond() {
+        for (int tick = 0; tick < 15; ++tick) {
+            benchmark::DoNotOptimize(meter.tick(tap.frames()));
+        }
+    }
 };
 
 void tapOfASecond(benchmark::State& run) {
@@ -76,9 +82,7 @@ void metersOfASecond(benchmark::State& run) {
     Playing playing;
     playing.second();
     for (auto _ : run) {
-        for (int tick = 0; tick < 15; ++tick) {
-            benchmark::DoNotOptimize(playing.meter.tick(playing.tap.frames()));
-        }
+        playing.ticksOfASecond();
     }
 }
 
@@ -106,7 +110,8 @@ BENCHMARK_CAPTURE(measure, trim, [](const std::string& path) {
     return computeTrim(path, -60, 10);
 })->Unit(benchmark::kMillisecond);
 
-double secondsOf(void (*work)()) {
+template <typename Work>
+double secondsOf(Work work) {
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -121,10 +126,17 @@ int main(int argc, char** argv) {
     // Taken in turns, the shortest of each, so that other work on the machine falls out.
     double decoding = 1e9;
     double measuring = 1e9;
+    double metering = 1e9;
+    Playing playing;
     for (int round = 0; round < 9; ++round) {
         decoding = std::min(decoding, secondsOf(decodeAll));
         measuring = std::min(measuring, secondsOf([] { computeLevels(fiveMinutes()); }));
+        metering = std::min(metering, secondsOf([&playing] {
+                                playing.second();
+                                playing.ticksOfASecond();
+                            }));
     }
+    std::printf("tap and meters take %.4f %% of a core while something plays\n", 100 * metering);
     std::printf("levels take %.3f of the time of decoding\n", measuring / decoding);
     return 0;
 }

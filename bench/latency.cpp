@@ -70,7 +70,7 @@ class Bench {
         engine.setEqEnabled(true);
         measure(
             "equaliser band", [&] { engine.setEQGain(0, 0); }, [&] { engine.setEQGain(0, 6); },
-            [](float now) { return now > 1.3F * kLevel; });
+            [](float now) { return now > 1.12F * kLevel; });
         std::printf("%-28s %26.1f ms\n\n", "longest turn of the main loop",
                     std::chrono::duration<double, std::milli>(player_.longestTurn).count());
     }

@@ -134,8 +134,8 @@ void chain(benchmark::State& state, bool on, bool wide) {
     DynamicsProcessor dynamics;
     prepareRadio(dynamics);
     PeakLimiter last;
-    // Off, the limiter stays in the chain, as quiet as music usually leaves it.
-    last.setPreGain(on ? -0.8f : -20.0f);
+    // On, it is always busy; off, it stays in the chain, as quiet as music usually leaves it.
+    last.setPreGain(on ? 12.0f : -20.0f);
     last.prepare(kStereo);
     Mixer fade;
     Mixer output;

@@ -14,24 +14,13 @@ constexpr auto kTickInterval = 200ms;
 constexpr auto kMeterInterval = Clock::Duration(1s) / 15;
 constexpr double kPreloadSeconds = 12.0;
 constexpr double kSeekMargin = 0.05;
-
-/// The frame at `seconds`, or absent when it cannot be counted in 64 bits.
-std::optional<int64_t> frameAt(double seconds, double sampleRate) {
-    const double frame = seconds * sampleRate;
-    if (!std::isfinite(frame) || std::abs(frame) >= 9.2e18) {
-        return std::nullopt;
-    }
-    return static_cast<int64_t>(frame);
-}
 } // namespace
 
 AudioEngine::AudioEngine(Clock& clock, std::unique_ptr<Output> output, SourceWorker::Mode mode)
-    : clock_(clock)
+    : EngineSound(clock)
+    , clock_(clock)
     , output_(std::move(output))
     , fadeRamp_(clock)
-    , eqRamp_(clock)
-    , normRamp_(clock)
-    , loudRamp_(clock)
     , timer_(clock.startTimer(kTickInterval, Clock::Repeat::Always, [this] { tick(); }))
     , visTimer_(clock.startTimer(kMeterInterval, Clock::Repeat::Always, [this] { meterTick(); }))
     , worker_(mode, workerEvents()) {
@@ -56,19 +45,6 @@ SourceWorker::Events AudioEngine::workerEvents() {
 
 AudioEngine::~AudioEngine() {
     output_.reset(); // its thread renders from everything else here
-}
-
-std::optional<AudioEngine::Segment> AudioEngine::segmentOf(const TrackToPlay& track) {
-    const double rate = track.file->sampleRate();
-    const int64_t length = track.file->length();
-    const auto t0 = frameAt(std::max(track.trimStart, 0.0), rate);
-    const auto t1 = track.trimEnd ? frameAt(*track.trimEnd, rate) : length;
-    if (!t0 || !t1 || *t0 >= std::min(*t1, length)) {
-        return std::nullopt;
-    }
-    return Segment{
-        track.file,   rate, *t0, std::min(*t1, length), static_cast<float>(track.normGain),
-        track.trackID};
 }
 
 std::optional<Error> AudioEngine::load(const TrackToPlay& track, int fadeInMs) {

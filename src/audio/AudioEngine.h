@@ -1,16 +1,15 @@
 #pragma once
 
+#include "audio/EngineSound.h"
 #include "audio/Meter.h"
+#include "audio/Segment.h"
 #include "audio/SteppedRamp.h"
 #include "audio/decode/SourceWorker.h"
 #include "audio/output/Output.h"
-#include "audio/rt/Renderer.h"
 #include "core/Clock.h"
 #include "core/Error.h"
-#include "model/Enumerations.h"
 
 #include <QUuid>
-#include <array>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,21 +17,12 @@
 
 namespace quorel {
 
-/// What load and preloadNext are given: an open file and what is to be heard of it.
-struct TrackToPlay {
-    std::shared_ptr<AudioFile> file;
-    QUuid trackID;
-    double trimStart = 0;          ///< s of file time; below 0 counts as 0
-    std::optional<double> trimEnd; ///< s of file time; absent is the file's end
-    double normGain = 1;           ///< linear; 0 or less means none
-};
-
 /// Plays tracks. Holds one current and at most one queued segment, and speaks of what is heard: the
 /// position, completions and promotions follow the ear, not the buffers.
 ///
 /// Everything here belongs to the main thread and returns at once. Times are seconds of file time.
 /// Callbacks come on the main thread and may call the engine.
-class AudioEngine final : RenderClient, OutputListener {
+class AudioEngine final : public EngineSound, RenderClient, OutputListener {
   public:
     /// The clock must outlive the engine. In pumped mode the driver calls pumpSource() before each
     /// stretch that it renders.
@@ -82,31 +72,6 @@ class AudioEngine final : RenderClient, OutputListener {
     std::function<void()> onQueueDiscarded;
     std::function<void()> onStateChanged; ///< a published value has changed
 
-    // --- Sound -----------------------------------------------------------------------------------
-
-    void setVolume(double volume); ///< linear, 0..1; muting is 0
-    void setPan(double pan);       ///< -1 (left) to 1 (right)
-    void setNormGain(double gain, bool instant);
-    float normGain() const { return normGain_; }
-    float normUnitDb() const { return normDb_; }
-    bool normBypassed() const { return normBypassed_; }
-
-    bool eqEnabled() const { return eqEnabledFlag_; }
-    void setEqEnabled(bool enabled);
-    /// Bands beyond the last are ignored. Heard at once while the equaliser is on.
-    void setEQGain(int index, float db);
-    const std::array<float, rt::kEqBands>& storedEQGains() const { return storedEQGains_; }
-    /// The gains that the bands stand at now, in dB.
-    const std::array<float, rt::kEqBands>& eqBandGains() const { return eqBandGains_; }
-    bool eqBypassed() const { return parameters_.eq.bypass; }
-
-    /// Bass and treble lift for a volume of 0..1, more of it the lower the volume is.
-    void setLoudness(bool on, double volume, LoudnessStrength strength);
-    const std::array<float, rt::kLoudnessBands>& loudBandGains() const { return loudBandGains_; }
-    bool loudBypassed() const { return loudBypassed_; }
-
-    void setCompressor(bool on, CompressorPreset preset);
-
     // --- Meters ----------------------------------------------------------------------------------
 
     const MeterValues& meters() const { return meter_.values(); }
@@ -137,14 +102,6 @@ class AudioEngine final : RenderClient, OutputListener {
     void pumpSource() { worker_.pump(); }
 
   private:
-    struct Segment {
-        std::shared_ptr<AudioFile> file;
-        double sampleRate = 0;
-        int64_t t0 = 0; ///< first frame to play
-        int64_t t1 = 0; ///< frame after the last one
-        float normGain = 1;
-        QUuid trackID;
-    };
     enum class FadeEnd { None, Pause, Stop };
 
     // RenderClient, on the output's thread.
@@ -157,7 +114,6 @@ class AudioEngine final : RenderClient, OutputListener {
     void outputDevicesChanged() override;
 
     // Transport.
-    static std::optional<Segment> segmentOf(const TrackToPlay& track);
     void scheduleCurrent(int64_t frame);
     void beginStream(int64_t frame);
     void endStream();
@@ -176,14 +132,10 @@ class AudioEngine final : RenderClient, OutputListener {
     void publishTime(double time);
     void changed();
 
-    // Fades and ramps.
+    // Fades.
     void fade(float target, int ms, SteppedRamp::Done done);
     void sendFade(float target, int ms, bool fromSilence, bool thenPause);
     void endFade();
-    void rampEQ(bool on, SteppedRamp::Done done);
-    void rampNormUnit(float db);
-    void rampLoudEQ(const std::array<float, rt::kLoudnessBands>& db);
-    void sendParameters();
 
     // Meters.
     void meterTick();
@@ -200,9 +152,7 @@ class AudioEngine final : RenderClient, OutputListener {
     std::unique_ptr<Output> output_;
     QString outputUid_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true); // what was posted checks it
-    rt::Renderer renderer_;
-    rt::RenderParameters parameters_;
-    std::vector<std::shared_ptr<rt::Source>> sources_; // those that the renderer may hold
+    std::vector<std::shared_ptr<rt::Source>> sources_;           // those that the renderer may hold
 
     std::optional<Segment> current_;
     std::optional<Segment> queued_; // only while there is a current one
@@ -226,15 +176,6 @@ class AudioEngine final : RenderClient, OutputListener {
     FadeEnd fadeEnd_ = FadeEnd::None;
     float fadeLevel_ = 1;
 
-    float normGain_ = 1;
-    float normDb_ = 0;
-    bool normBypassed_ = true;
-    bool eqEnabledFlag_ = false;
-    std::array<float, rt::kEqBands> storedEQGains_{};
-    std::array<float, rt::kEqBands> eqBandGains_{};
-    bool loudBypassed_ = true;
-    std::array<float, rt::kLoudnessBands> loudBandGains_{};
-
     rt::Format format_;
     uint64_t stream_ = 0; // of the output; 0 while none is open
     bool outputRuns_ = false;
@@ -243,7 +184,7 @@ class AudioEngine final : RenderClient, OutputListener {
     int underflows_ = 0;
     int underruns_ = 0;
 
-    SteppedRamp fadeRamp_, eqRamp_, normRamp_, loudRamp_;
+    SteppedRamp fadeRamp_;
     Meter meter_;
     std::unique_ptr<Timer> timer_;
     std::unique_ptr<Timer> visTimer_;

@@ -17,7 +17,7 @@ void AudioEngine::meterTick() {
 }
 
 void AudioEngine::decayMeters() {
-    if (meter_.decay(isPlaying_) && onMetersChanged) {
+    if (meter_.decay(isPlaying_ && stream_ != 0) && onMetersChanged) {
         onMetersChanged();
     }
 }

@@ -66,5 +66,23 @@ TEST_P(Click, noActionSplatters) {
     }
 }
 
+TEST_P(Click, nothingOfOneTrackIsHeardInTheNext) {
+    engine.setEqEnabled(true);
+    engine.setEQGain(5, 12); // into the limiter
+    engine.setCompressor(true, CompressorPreset::Radio);
+    Samples first;
+    for (int i = 0; i < 2; ++i) {
+        out.clear();
+        ASSERT_TRUE(load(track(stereo(tone(30 * kRate, 997, kRate, 0.9)))));
+        render(1.5);
+        engine.stop(0);
+        render(0.5);
+        if (i == 0) {
+            first = out;
+        }
+    }
+    EXPECT_EQ(out, first);
+}
+
 } // namespace
 } // namespace quorel::test

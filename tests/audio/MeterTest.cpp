@@ -128,6 +128,18 @@ TEST_P(Meters, fallSteadilyInSilence) {
     EXPECT_NEAR(changes, 15, 1);
 }
 
+TEST_P(Meters, fallWithoutAnOutput) {
+    ASSERT_TRUE(load(track(stereo(tone(4 * kRate, 1000, kRate, 1)))));
+    render(1);
+    const MeterValues before = shown();
+    ASSERT_GT(before.vuLeftDb, -5);
+    offline.output().lose();
+    render(1);
+    ASSERT_TRUE(engine.isPlaying());
+    EXPECT_NEAR(shown().vuLeftDb, before.vuLeftDb - 5 * 3, 1e-9);
+    EXPECT_NEAR(shown().peakHoldLeftDb, before.peakHoldLeftDb - 5 * 0.9, 1e-9);
+}
+
 TEST(Meter, ofAShortBuffer) {
     rt::MeterFrames delivered;
     Meter meter;

@@ -158,23 +158,23 @@ void SoundServer::addSink(const std::string& name, int rate, int channels) {
 }
 
 void SoundServer::load(const std::string& name, Sink& sink) {
-    std::vector<std::string> command{"load-module",
-                                     "module-null-sink",
-                                     "sink_name=" + name,
-                                     "rate=" + std::to_string(sink.rate),
-                                     "channels=" + std::to_string(sink.channels),
-                                     "format=float32le",
-                                     "sink_properties=device.description=The-" + name};
+    std::vector<std::string> words{"module-null-sink",
+                                   "sink_name=" + name,
+                                   "rate=" + std::to_string(sink.rate),
+                                   "channels=" + std::to_string(sink.channels),
+                                   "format=float32le",
+                                   "sink_properties=device.description=The-" + name};
     if (sink.channels == 6) {
-        command.push_back(std::string("channel_map=") + kSurround);
+        words.push_back(std::string("channel_map=") + kSurround);
     }
     if (kind_ == Kind::PulseAudio) {
         // Without it a null sink renders 2 s at a time, which no device does.
-        command.emplace_back("norewinds=1");
+        words.emplace_back("norewinds=1");
     }
-    waitFor("the sink " + name, [&] { return !(sink.module = pactl(command)).empty(); });
+    waitFor("the sink " + name, [&] { return !(sink.module = loadModule(words)).empty(); });
     waitFor("the sink " + name, [&] {
-        return pactl({"list", "short", "sinks"}).find("\t" + name + "\t") != std::string::npos;
+        const auto names = sinkNames();
+        return std::ranges::find(names, name) != names.end();
     });
 }
 
@@ -192,6 +192,24 @@ void SoundServer::setDefault(const std::string& name) {
 
 void SoundServer::suspend(const std::string& name, bool suspended) {
     pactl({"suspend-sink", name, suspended ? "1" : "0"});
+}
+
+std::string SoundServer::loadModule(const std::vector<std::string>& words) {
+    std::vector<std::string> command{"load-module"};
+    command.insert(command.end(), words.begin(), words.end());
+    return pactl(command);
+}
+
+std::vector<std::string> SoundServer::sinkNames() const {
+    std::vector<std::string> names;
+    std::istringstream lines(pactl({"list", "short", "sinks"}));
+    std::string number;
+    std::string name;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream(line) >> number >> name;
+        names.push_back(name);
+    }
+    return names;
 }
 
 void SoundServer::launch(const std::vector<std::string>& command) {

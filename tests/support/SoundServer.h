@@ -34,6 +34,9 @@ class SoundServer {
     void setDefault(const std::string& name); ///< returns when it is the default
     void suspend(const std::string& name, bool suspended);
 
+    std::string loadModule(const std::vector<std::string>& words); ///< its number at the server
+    std::vector<std::string> sinkNames() const;                    ///< in the server's order
+
     Kind kind() const { return kind_; }
 
   private:

@@ -104,6 +104,10 @@ class Usage(Case):
         (["render", "-o", "out.wav", "--rate", "7999", "a.wav"], "7999"),
         (["render", "-o", "out.wav", "--rate=44100Hz", "a.wav"], "44100Hz"),
         (["render", "-o", "out.wav", "--gapless", "maybe", "a.wav"], "maybe"),
+        (["analyze", "--no-bpm"], "nothing to analyze"),
+        (["analyze", "--trim-threshold", "nan", "a.wav"], "nan"),
+        (["analyze", "--trim-max", "5s", "a.wav"], "5s"),
+        (["analyze", "--trim-max", "-1", "a.wav"], "-1"),
     ]
 
     def testWrong(self):
@@ -153,7 +157,7 @@ class Failures(Case):
     def testSettingsThatAreNone(self):
         track = self.wav("a.wav", music(0.3, 44100), 44100)
         for text in ["", "{", "[]", '{"volume": "loud"}', '{"eqGains": [1, null]}',
-                     '{"compPreset": "brutal"}']:
+                     '{"compPreset": "brutal"}', '{"volume": 1e999}', '{"volume": NaN}']:
             with self.subTest(text=text):
                 settings = self.text("settings.json", text)
                 result = self.run_("render", "--settings", settings, "-o", "out.wav", track)
@@ -232,6 +236,79 @@ class Render(Case):
                 for channel, (least, most) in enumerate((left, right)):
                     self.assertTrue(least <= ratio[channel] <= most, ratio)
 
+    def testTracksOfOneLoudness(self):
+        tracks = [self.wav(f"{level}.wav", music(1.5, self.RATE, level / 0.8 ** 0.5), self.RATE)
+                  for level in (0.05, 0.2, 0.005)]
+        for normalize, levels in [(True, (-16, -16, -34)), (False, (-26, -14, -46))]:  # RMS in dB
+            for gapless in (False, True):
+                samples, report = self.render(
+                    "--rate", str(self.RATE), *tracks,
+                    *self.settings(normalize=normalize, volume=1, gapless=gapless))
+                for track, level in zip(report["tracks"], levels):
+                    with self.subTest(normalize=normalize, gapless=gapless, level=level):
+                        # A track that is joined takes 0.2 s to come to its own level.
+                        first = track["start_frame"] + (self.RATE // 4 if track["gapless"] else 0)
+                        rms = lambda part: 20 * np.log10(np.std(part) / self.gain)
+                        for part in (samples[first:track["end_frame"]],
+                                     samples[first:first + 8000]):
+                            self.assertAlmostEqual(rms(part), level, delta=0.3)
+
+    def testSilenceAtTheEnds(self):
+        silence = np.zeros((self.RATE, 2))
+        tracks = [self.wav(f"{i}.wav", np.concatenate([silence, music(1, self.RATE), silence]),
+                           self.RATE) for i in range(2)]
+        for values, frames, gapless in [
+                ({}, 6 * self.RATE, True),
+                ({"trimThresholdDb": -90}, 6 * self.RATE, True),
+                ({"trimSilence": True}, 2 * self.RATE, True),
+                ({"trimSilence": True, "gapless": False}, 2 * self.RATE, False),
+                ({"trimSilence": True, "trimMaxSec": 0.25}, 5 * self.RATE, True),
+                ({"trimSilence": True, "trimThresholdDb": 0}, 6 * self.RATE, True)]:
+            with self.subTest(values=values):
+                samples, report = self.render("--rate", str(self.RATE), *tracks,
+                                              *self.settings(volume=1, **values))
+                ends = [0, *(track["end_frame"] for track in report["tracks"])]
+                length = sum(track["end_frame"] - track["start_frame"]
+                             for track in report["tracks"])
+                self.assertAlmostEqual(length, frames, delta=4 * 1024)
+                self.assertEqual(report["tracks"][1]["gapless"], gapless)
+                self.assertEqual(report["tracks"][1]["start_frame"] == ends[1], gapless)
+                whole, _ = self.render("--rate", str(self.RATE), tracks[0])
+                loud = lambda sound: int(np.count_nonzero(np.abs(sound).max(axis=1) > 0.001))
+                self.assertEqual(loud(samples), 2 * loud(whole))
+
+    def testSettingsBeyondSense(self):
+        loud = self.wav("loud.wav", music(1, self.RATE, 0.5), self.RATE)
+        huge, tiny = 1e300, -1e300
+        for values in [{"eqOn": True, "eqGains": [1e9] * 10},
+                       {"eqOn": True, "eqGains": [huge, tiny] * 5},
+                       {"eqOn": True, "eqGains": [1e9] * 3},
+                       {"eqOn": True, "eqGains": [12.0] * 40, "compOn": True},
+                       {"volume": 1e9, "pan": huge, "loudness": True},
+                       {"volume": tiny, "pan": tiny, "loudness": True},
+                       {"normalize": True, "trimSilence": True, "trimThresholdDb": huge,
+                        "trimMaxSec": huge},
+                       {"trimSilence": True, "trimThresholdDb": tiny, "trimMaxSec": tiny},
+                       {"fadePlayOn": True, "fadePlayMs": huge},
+                       {"fadePlayOn": True, "fadePlayMs": tiny, "compAmount": huge}]:
+            with self.subTest(values=values):
+                samples, report = self.render(*self.settings(**values), loud)
+                self.assertEqual(report["frames"], 48000)
+                self.assertTrue(np.isfinite(samples).all())
+                self.assertLessEqual(np.abs(samples).max(), 32767 / 32768)
+
+    def testCharacterEffectsChangeNoBit(self):
+        sound = {"volume": 0.9, "eqOn": True, "eqGains": [3, -2] * 5, "compOn": True}
+        effects = {"charIntensity": 100, "vinylCrackle": 100, "tapeCompression": 100,
+                   "tapeWear": 100, "mechNoise": True, "mechNoiseLevel": 100}
+        plain, _ = self.render(*self.settings(**sound), *self.parts)
+        for effect in ("off", "vinyl", "tape"):
+            for tape in ("ferric", "chrome", "metal"):
+                with self.subTest(effect=effect, tape=tape):
+                    settings = self.settings(**sound, **effects, charFx=effect, tapeType=tape)
+                    samples, _ = self.render(*settings, *self.parts)
+                    self.assertEqual(samples.tobytes(), plain.tobytes())
+
     def testFadeIn(self):
         samples, _ = self.render(*self.settings(volume=1, fadePlayOn=True, fadePlayMs=1000),
                                  "--rate", str(self.RATE), self.whole)
@@ -251,6 +328,64 @@ class Render(Case):
         self.assertEqual(result.stderr, f"quorel-cli: {missing}: {gone['error']}\n")
         self.assertEqual(second["end_frame"], len(readWav(out)[2]))
         self.assertFalse([name for name in os.listdir(self.folder) if "part." in name[-6:]])
+
+
+class Analyze(Case):
+    RATE = 44100
+
+    def analyze(self, *words, status=0):
+        result = self.run_("analyze", *words)
+        self.assertEqual(result.returncode, status, result.stderr)
+        return [json.loads(line) for line in result.stdout.splitlines()], result.stderr
+
+    def clicks(self, perMinute, seconds=20):
+        """Short noise at each beat, between a second of silence and one."""
+        samples = np.zeros((seconds * self.RATE, 2))
+        for beat in range(int(seconds * perMinute / 60)):
+            at = int(beat * 60 / perMinute * self.RATE)
+            samples[at:at + 2000] = music(0.1, self.RATE, 0.2)[:len(samples[at:at + 2000])]
+        silence = np.zeros((self.RATE, 2))
+        return np.concatenate([silence, samples, silence])
+
+    def testMeasures(self):
+        beat = self.wav("beat.wav", self.clicks(125), self.RATE)
+        noise = music(1.5, self.RATE, 0.05)
+        short = self.wav("short.wav", noise, self.RATE)
+        (first, second), errors = self.analyze(beat, short)
+        self.assertEqual(errors, "")
+        self.assertEqual((first["path"], second["path"]), (beat, short))
+        self.assertAlmostEqual(first["trim"]["start"], 1, delta=1024 / self.RATE)
+        # the last of 41 beats, with its 2000 frames
+        self.assertAlmostEqual(first["trim"]["end"], 1 + 40 * 0.48 + 2000 / self.RATE,
+                               delta=1024 / self.RATE)
+        self.assertAlmostEqual(first["bpm"], 125, delta=2)
+        self.assertNotEqual(first["bpm"], round(first["bpm"]))
+        self.assertIsNone(second["bpm"])
+        self.assertEqual(second["trim"], {"start": 0, "end": 1.5})
+        self.assertAlmostEqual(second["levels"]["peak"], np.abs(noise).max(), places=6)
+        self.assertAlmostEqual(second["levels"]["rms"], np.sqrt(np.mean(noise ** 2)), places=6)
+
+    def testOptions(self):
+        beat = self.wav("beat.wav", self.clicks(125, 5), self.RATE)
+        for words, start in [(["--trim-max", "0.25"], 0.25), (["--trim-max=0"], 0),
+                             (["--trim-threshold", "-0"], 0), (["--trim-threshold=-40"], 1)]:
+            with self.subTest(words=words):
+                (report,), _ = self.analyze("--no-bpm", *words, beat)
+                self.assertEqual(sorted(report), ["levels", "path", "trim"])
+                self.assertAlmostEqual(report["trim"]["start"], start, delta=1024 / self.RATE)
+
+    def testFilesThatCannotBeOpened(self):
+        good = self.wav("good.wav", music(0.5, self.RATE), self.RATE)
+        empty = self.wav("empty.wav", np.zeros((0, 2)), self.RATE)
+        noise = self.text("noise.wav", "this is no music")
+        (gone, none, fine), errors = self.analyze(self.path("none.wav"), noise, good, status=1)
+        self.assertEqual(errors.count("\n"), 2)
+        for report, path in [(gone, self.path("none.wav")), (none, noise)]:
+            self.assertEqual(sorted(report), ["error", "path"])
+            self.assertIn(f"quorel-cli: {path}: {report['error']}\n", errors)
+        self.assertEqual(sorted(fine), ["bpm", "levels", "path", "trim"])
+        (report,), _ = self.analyze(empty)
+        self.assertEqual(report, {"path": empty, "trim": {"start": 0, "end": 0}, "bpm": None})
 
 
 class Play(Case):

@@ -38,6 +38,7 @@ struct Command {
 
 extern const Command kPlayCommand;
 extern const Command kRenderCommand;
+extern const Command kAnalyzeCommand;
 extern const Command kDevicesCommand;
 
 } // namespace quorel::cli

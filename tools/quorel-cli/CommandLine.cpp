@@ -34,6 +34,17 @@ std::string written(const Option& option) {
     return option.value.empty() ? text : text + ' ' + std::string(option.value);
 }
 
+template <class Number>
+std::optional<Number> number(std::string_view text, Number least, Number most) {
+    Number value{};
+    const char* end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc() && stopped == end && value >= least && value <= most) {
+        return value;
+    }
+    return std::nullopt; // NaN too
+}
+
 } // namespace
 
 std::string Arguments::value(std::string_view name, std::string_view otherwise) const {
@@ -115,13 +126,11 @@ std::string help(const Command& command) {
 }
 
 std::optional<int> wholeNumber(std::string_view text, int least, int most) {
-    int number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stopped, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || stopped != end || number < least || number > most) {
-        return std::nullopt;
-    }
-    return number;
+    return number(text, least, most);
+}
+
+std::optional<double> realNumber(std::string_view text, double least, double most) {
+    return number(text, least, most);
 }
 
 } // namespace quorel::cli

@@ -31,5 +31,7 @@ std::string help(const Command& command);
 
 /// A whole decimal number from `least` to `most`, or nothing.
 std::optional<int> wholeNumber(std::string_view text, int least, int most);
+/// A decimal number from `least` to `most`, or nothing.
+std::optional<double> realNumber(std::string_view text, double least, double most);
 
 } // namespace quorel::cli

@@ -1,8 +1,9 @@
 // quorel-cli render: what the engine would play, in a file.
+#include "audio/PlaybackSettings.h"
 #include "model/Path.h"
 #include "tools/quorel-cli/CommandLine.h"
 #include "tools/quorel-cli/Console.h"
-#include "tools/quorel-cli/EngineSettings.h"
+#include "tools/quorel-cli/SettingsFile.h"
 #include "tools/quorel-cli/Signals.h"
 #include "tools/quorel-cli/TrackRun.h"
 #include "tools/quorel-cli/WavWriter.h"
@@ -80,11 +81,9 @@ int renderFiles(const Arguments& arguments, const AppSettings& settings, int rat
     const auto begun = std::chrono::steady_clock::now();
     OfflineRenderer renderer({rate, rt::ChannelLayout::usual(kChannels)});
     applySettings(renderer.engine(), settings);
-    const int fadeInMs =
-        settings.fadePlayOn ? static_cast<int>(std::clamp(settings.fadePlayMs, 0.0, 60000.0)) : 0;
 
     WavWriter writer(arguments.value("-o", {}), rate, kChannels);
-    TrackRun run(renderer, arguments.operands, fadeInMs);
+    TrackRun run(renderer, arguments.operands, settings);
     if (writer.hasFailed()) {
         return fail(writer.error());
     }
@@ -134,8 +133,10 @@ const Command kRenderCommand = {
     "render",
     "FILES...",
     "Plays files in order as fast as possible into a stereo WAV file of 32-bit floats.",
-    "Without --settings everything is at its default and the volume at 1. Trimming of silence and\n"
-    "normalisation are not carried out.\n"
+    "Without --settings everything is at its default and the volume at 1. Fades for pausing, for\n"
+    "stopping and for going to another track answer to a listener: here only the fade for "
+    "starting\n"
+    "is heard, at each track that is not joined to the one before.\n"
     "Prints one JSON object: frames, seconds, x_realtime, and for each of the tracks path,\n"
     "start_frame, end_frame and gapless (joined to the one before), or path and error. Files that\n"
     "cannot be played are passed over; the status is 1 if none can.",

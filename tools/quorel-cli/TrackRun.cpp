@@ -1,14 +1,16 @@
 #include "tools/quorel-cli/TrackRun.h"
 
+#include "audio/PlaybackSettings.h"
 #include "tools/quorel-cli/Console.h"
 #include "tools/quorel-cli/OpenTrack.h"
 
 namespace quorel::cli {
 
-TrackRun::TrackRun(OfflineRenderer& renderer, const std::vector<std::string>& paths, int fadeInMs)
+TrackRun::TrackRun(OfflineRenderer& renderer, const std::vector<std::string>& paths,
+                   const AppSettings& settings)
     : renderer_(renderer)
     , engine_(renderer.engine())
-    , fadeInMs_(fadeInMs) {
+    , settings_(settings) {
     for (const std::string& path : paths) {
         tracks_.push_back({.path = path, .error = {}});
     }
@@ -23,48 +25,51 @@ TrackRun::~TrackRun() {
     engine_.onTrackEnded = {};
 }
 
-std::shared_ptr<AudioFile> TrackRun::openNext() {
-    while (!nextFile_ && next_ < tracks_.size()) {
+// Null when there is none left.
+const TrackToPlay* TrackRun::openNext() {
+    while (!nextTrack_ && next_ < tracks_.size()) {
         OpenedTrack opened = openTrack(tracks_[next_].path);
         if (opened.file) {
-            nextFile_ = std::move(opened.file);
+            const TrackMeasures measures = measureFor(settings_, *opened.file);
+            nextTrack_ = trackToPlay(settings_, std::move(opened.file), measures);
         } else {
             giveUp(opened.error);
         }
     }
-    return nextFile_;
+    return nextTrack_ ? &*nextTrack_ : nullptr;
 }
 
 void TrackRun::giveUp(const QString& error) {
     printProblem(aboutFile(tracks_[next_].path, error));
     tracks_[next_++].error = error;
-    nextFile_.reset();
+    nextTrack_.reset();
 }
 
 void TrackRun::playNext() {
-    while (const auto file = openNext()) {
-        if (const auto error = engine_.load(wholeFile(file), fadeInMs_)) {
+    const int fadeInMs = fadeLengthMs(settings_.fadePlayOn, settings_.fadePlayMs);
+    while (const TrackToPlay* track = openNext()) {
+        if (const auto error = engine_.load(*track, fadeInMs)) {
             giveUp(error->description);
             continue;
         }
         tracks_[next_].start = renderer_.position();
         playing_ = next_++;
-        nextFile_.reset();
+        nextTrack_.reset();
         return;
     }
     finished_ = true;
 }
 
 void TrackRun::preload() {
-    if (const auto file = openNext()) {
-        engine_.preloadNext(wholeFile(file));
+    if (const TrackToPlay* track = openNext()) {
+        engine_.preloadNext(*track);
     }
 }
 
 void TrackRun::promoted() {
     tracks_[*playing_].end = heard();
     playing_ = next_++;
-    nextFile_.reset();
+    nextTrack_.reset();
     tracks_[*playing_].start = heard();
     tracks_[*playing_].gapless = true;
 }

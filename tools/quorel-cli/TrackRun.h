@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/OfflineRenderer.h"
+#include "model/AppSettings.h"
 
 #include <optional>
 #include <string>
@@ -20,8 +21,10 @@ struct RenderedTrack {
 /// Plays files one after the other through an offline engine and notes where each begins and ends.
 class TrackRun {
   public:
-    /// The engine's callbacks are the run's while it lives. Lengths of fades are milliseconds.
-    TrackRun(OfflineRenderer& renderer, const std::vector<std::string>& paths, int fadeInMs);
+    /// The engine's callbacks are the run's while it lives. The settings say which part of a track
+    /// is heard, how loud, and how it begins.
+    TrackRun(OfflineRenderer& renderer, const std::vector<std::string>& paths,
+             const AppSettings& settings);
     ~TrackRun();
     TrackRun(const TrackRun&) = delete;
     TrackRun& operator=(const TrackRun&) = delete;
@@ -36,7 +39,7 @@ class TrackRun {
     const std::vector<RenderedTrack>& tracks() const { return tracks_; }
 
   private:
-    std::shared_ptr<AudioFile> openNext();
+    const TrackToPlay* openNext();
     void giveUp(const QString& error);
     void playNext();
     void preload();
@@ -47,10 +50,10 @@ class TrackRun {
 
     OfflineRenderer& renderer_;
     AudioEngine& engine_;
-    const int fadeInMs_;
+    const AppSettings settings_;
     std::vector<RenderedTrack> tracks_;
-    std::size_t next_ = 0;                // the first one not yet played nor given up
-    std::shared_ptr<AudioFile> nextFile_; // of that track, once opened
+    std::size_t next_ = 0;                 // the first one not yet played nor given up
+    std::optional<TrackToPlay> nextTrack_; // that one, once opened
     std::optional<std::size_t> playing_;
     int64_t end_ = 0;
     bool finished_ = false;

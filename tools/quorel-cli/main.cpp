@@ -9,7 +9,8 @@ using namespace quorel::cli;
 
 namespace {
 
-constexpr std::array kCommands = {&kPlayCommand, &kRenderCommand, &kDevicesCommand};
+constexpr std::array kCommands = {&kPlayCommand, &kRenderCommand, &kAnalyzeCommand,
+                                  &kDevicesCommand};
 constexpr std::string_view kUsage = "usage: quorel-cli COMMAND [OPTIONS] ..., or quorel-cli --help";
 
 void printHelp() {

@@ -4,6 +4,7 @@
 #include "audio/rt/Lanes.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorel::rt {
 
@@ -127,8 +128,9 @@ class SkewedCascade {
             Lanes z1;
             Lanes z2;
             Lanes::multiplyAdd(c_[0][v], in[v], z1_[v], out_[v]);
-            Lanes::crossDifference(c_[1][v], in[v], c_[3][v], out_[v], z1);
-            Lanes::add(z2_[v], z1);
+            // The next frame waits for this cell, so the newest value comes in last.
+            Lanes::multiplyAdd(c_[1][v], in[v], z2_[v], z1);
+            Lanes::subtractProduct(c_[3][v], out_[v], z1);
             Lanes::crossDifference(c_[2][v], in[v], c_[4][v], out_[v], z2);
             take<Partial>(first, second, z1, z1_[v]);
             take<Partial>(first, second, z2, z2_[v]);
@@ -154,37 +156,40 @@ using Kernel = void (*)(Sections&, std::size_t pair, float* x, int frames);
 /// By the number of vectors, less one, and by whether coefficients glide.
 using Kernels = std::array<std::array<Kernel, 2>, kMaxVectors>;
 
-template <int V, bool Gliding>
-void portableKernel(Sections& sections, std::size_t pair, float* x, int frames) {
-    SkewedCascade<SplitLanes, V, Gliding> cascade(sections, pair);
+template <class Lanes, int V, bool Gliding>
+QUOREL_INLINE void runCascade(Sections& sections, std::size_t pair, float* x, int frames) {
+    SkewedCascade<Lanes, V, Gliding> cascade(sections, pair);
     cascade.run(x, frames);
     cascade.store(sections, pair);
 }
 
-constexpr Kernels kPortableKernels{{
-    {portableKernel<1, false>, portableKernel<1, true>},
-    {portableKernel<2, false>, portableKernel<2, true>},
-    {portableKernel<3, false>, portableKernel<3, true>},
-    {portableKernel<4, false>, portableKernel<4, true>},
-    {portableKernel<5, false>, portableKernel<5, true>},
-}};
+struct Portable {
+    template <int V, bool Gliding>
+    static void kernel(Sections& sections, std::size_t pair, float* x, int frames) {
+        runCascade<SplitLanes, V, Gliding>(sections, pair, x, frames);
+    }
+};
 
 #if defined(__x86_64__)
-template <int V, bool Gliding>
-__attribute__((target("avx2"))) void wideKernel(Sections& sections, std::size_t pair, float* x,
-                                                int frames) {
-    SkewedCascade<WideLanes, V, Gliding> cascade(sections, pair);
-    cascade.run(x, frames);
-    cascade.store(sections, pair);
+struct Wide {
+    template <int V, bool Gliding>
+    __attribute__((target("avx2"))) static void kernel(Sections& sections, std::size_t pair,
+                                                       float* x, int frames) {
+        runCascade<WideLanes, V, Gliding>(sections, pair, x, frames);
+    }
+};
+#endif
+
+template <class Code, int... Less>
+constexpr Kernels kernelsOf(std::integer_sequence<int, Less...>) {
+    return {{{Code::template kernel<Less + 1, false>, Code::template kernel<Less + 1, true>}...}};
 }
 
-constexpr Kernels kWideKernels{{
-    {wideKernel<1, false>, wideKernel<1, true>},
-    {wideKernel<2, false>, wideKernel<2, true>},
-    {wideKernel<3, false>, wideKernel<3, true>},
-    {wideKernel<4, false>, wideKernel<4, true>},
-    {wideKernel<5, false>, wideKernel<5, true>},
-}};
+using VectorCounts = std::make_integer_sequence<int, kMaxVectors>;
+constexpr Kernels kPortableKernels = kernelsOf<Portable>(VectorCounts{});
+
+#if defined(__x86_64__)
+constexpr Kernels kWideKernels = kernelsOf<Wide>(VectorCounts{});
 
 const Kernels& kernels(bool wide) {
     static const bool hasWide = __builtin_cpu_supports("avx2");

@@ -12,6 +12,8 @@ namespace quorel::rt {
 namespace {
 
 constexpr double kGlideSeconds = 0.015;
+constexpr float kDbPerGlide = 0.5f; // a longer way in one glide could be heard as a click
+constexpr int kMaxGlides = 8;
 constexpr float kMinGlobalDb = -96.0f;
 constexpr float kMaxGlobalDb = 24.0f;
 
@@ -96,7 +98,18 @@ void EqUnit::rampBand(int index, float db, int steps, int framesPerStep) noexcep
 }
 
 void EqUnit::setGain(int index, float db) noexcept {
-    rampBand(index, db, 1, framesOf(kGlideSeconds, sampleRate_));
+    const StepRamp& gain = bands_[static_cast<std::size_t>(index)].gain;
+    if (gain.running() && gain.target() == db)
+        return;
+    const float way = std::min(kMaxGlides * kDbPerGlide, std::abs(db - gain.value()));
+    const int glides = std::max(static_cast<int>(std::ceil(way / kDbPerGlide)), 1);
+    rampBand(index, db, glides, framesOf(kGlideSeconds, sampleRate_));
+}
+
+void EqUnit::setGains(std::span<const float> targetsDb) noexcept {
+    const int count = std::min(bandCount_, static_cast<int>(targetsDb.size()));
+    for (int i = 0; i < count; ++i)
+        setGain(i, targetsDb[static_cast<std::size_t>(i)]);
 }
 
 void EqUnit::rampGains(std::span<const float> targetsDb, int steps, int framesPerStep) noexcept {

@@ -32,8 +32,10 @@ class EqUnit final : public Node {
     // -96..24; what is not a number is ignored. While the unit is bypassed nothing glides or
     // ramps: values are taken at once, so un-bypass first, then ramp.
 
-    /// Moves one band to a gain over 15 ms, out of its ramp if one is running.
+    /// Moves one band to a gain, out of its ramp if one is running: in glides of 15 ms, one for
+    /// each half dB of the way but at most eight. A band on its way to that gain goes on.
     void setGain(int index, float db) noexcept;
+    void setGains(std::span<const float> targetsDb) noexcept; ///< needs a gain for every band
 
     /// Walks every band from where it stands to its target in steps linear in dB; within each step
     /// the coefficients glide. Needs a target for every band.

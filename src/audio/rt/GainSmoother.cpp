@@ -38,14 +38,20 @@ void GainSmoother::process(float* gains, int count) noexcept {
     std::int64_t* second = second_.data();
     for (int i = 0; i < count; ++i)
         first[firstLength_ + i] = static_cast<std::int32_t>(gains[i] * static_cast<float>(kOne));
+    // Local copies: the compiler cannot know that the histories do not overlap the members.
+    const int firstLength = firstLength_;
+    const int secondLength = secondLength_;
+    const double scale = scale_;
+    std::int64_t firstSum = firstSum_;
+    std::int64_t secondSum = secondSum_;
     for (int i = 0; i < count; ++i) {
-        firstSum_ += first[firstLength_ + i] - first[i];
-        second[secondLength_ + i] = firstSum_;
+        firstSum += first[firstLength + i] - first[i];
+        second[secondLength + i] = firstSum;
+        secondSum += firstSum - second[i];
+        gains[i] = static_cast<float>(static_cast<double>(secondSum) * scale);
     }
-    for (int i = 0; i < count; ++i) {
-        secondSum_ += second[secondLength_ + i] - second[i];
-        gains[i] = static_cast<float>(static_cast<double>(secondSum_) * scale_);
-    }
+    firstSum_ = firstSum;
+    secondSum_ = secondSum;
     keepLast(first_, firstLength_, count);
     keepLast(second_, secondLength_, count);
 }

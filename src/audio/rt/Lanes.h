@@ -33,6 +33,11 @@ struct WideLanes {
                                               WideLanes& r) {
         r.v = x.v * y.v - p.v * q.v;
     }
+    /// r -= x * y
+    static QUOREL_INLINE void subtractProduct(const WideLanes& x, const WideLanes& y,
+                                              WideLanes& r) {
+        r.v = r.v - x.v * y.v;
+    }
     static QUOREL_INLINE void add(const WideLanes& x, WideLanes& r) { r.v = r.v + x.v; }
     /// r takes x in the lanes of a section whose flag is set.
     static QUOREL_INLINE void choose(bool first, bool second, const WideLanes& x, WideLanes& r) {
@@ -70,6 +75,10 @@ struct SplitLanes {
                                               const SplitLanes& p, const SplitLanes& q,
                                               SplitLanes& r) {
         r = {x.lo * y.lo - p.lo * q.lo, x.hi * y.hi - p.hi * q.hi};
+    }
+    static QUOREL_INLINE void subtractProduct(const SplitLanes& x, const SplitLanes& y,
+                                              SplitLanes& r) {
+        r = {r.lo - x.lo * y.lo, r.hi - x.hi * y.hi};
     }
     static QUOREL_INLINE void add(const SplitLanes& x, SplitLanes& r) {
         r = {r.lo + x.lo, r.hi + x.hi};

@@ -2,10 +2,19 @@
 
 #include "audio/rt/BlockOps.h"
 
+#include <algorithm>
 #include <bit>
 #include <mutex>
 
 namespace quorel::rt {
+
+namespace {
+void takeChannel(const float* pair, float* out, int count) noexcept {
+    for (int i = 0; i < count; ++i) {
+        out[i] = pair[2 * i];
+    }
+}
+} // namespace
 
 void MeterTap::prepare(const Format& format) {
     channels_ = format.channels();
@@ -37,16 +46,20 @@ void MeterTap::process(Block& block) noexcept {
 }
 
 void MeterTap::keep(const Block& block) noexcept {
-    const std::size_t mask = left_.size() - 1;
     const float* in = samples(block, 0);
-    for (int i = 0; i < block.frames; ++i) {
-        const std::size_t at = static_cast<std::size_t>(passed_ + i) & mask;
-        left_[at] = in[2 * i];
+    for (int done = 0; done < block.frames;) {
+        // In stretches up to the ring's end, which become vector code.
+        const std::size_t at = static_cast<std::size_t>(passed_) & (left_.size() - 1);
+        const int count = static_cast<int>(
+            std::min(static_cast<std::size_t>(block.frames - done), left_.size() - at));
+        takeChannel(in, left_.data() + at, count);
         if (channels_ > 1) {
-            right_[at] = in[2 * i + 1];
+            takeChannel(in + 1, right_.data() + at, count);
         }
+        in += 2 * count;
+        done += count;
+        passed_ += count;
     }
-    passed_ += block.frames;
 }
 
 // False when the main thread is reading; the next block tries again.

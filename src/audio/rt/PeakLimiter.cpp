@@ -2,6 +2,7 @@
 
 #include "audio/rt/BlockOps.h"
 #include "audio/rt/Decibels.h"
+#include "audio/rt/VectorClones.h"
 
 #include <algorithm>
 #include <bit>
@@ -21,6 +22,7 @@ constexpr int kMinLookAhead = 4;
 /// What the release aims at: a little more than 1, so that 1 is reached, and soon.
 constexpr double kReleaseTarget = 1.0001;
 
+QUOREL_VECTOR_CLONES
 void silenceNonFinite(const Block& block) noexcept {
     constexpr std::uint32_t kExponent = 0x7f800000u;
     for (int p = 0; p < block.pairs; ++p) {
@@ -32,7 +34,14 @@ void silenceNonFinite(const Block& block) noexcept {
     }
 }
 
+// Values of which none is negative or NaN are ordered like their bits, and comparing those as
+// integers lets a loop become vector code.
+std::int32_t orderOf(float value) noexcept {
+    return std::bit_cast<std::int32_t>(value);
+}
+
 /// The last rounding of a gain can lift a sample over the ceiling by one unit.
+QUOREL_VECTOR_CLONES
 void clampToCeiling(const Block& block) noexcept {
     constexpr float kCeiling = PeakLimiter::kCeiling;
     for (int p = 0; p < block.pairs; ++p) {
@@ -96,28 +105,30 @@ void PeakLimiter::process(Block& block) noexcept {
 
 float PeakLimiter::gatherPeaks(const Block& block, float* peaks) noexcept {
     linkedPeaks(block, peaks);
-    float peak = 0;
+    std::int32_t peak = 0;
     for (int i = 0; i < block.frames; ++i)
-        peak = peaks[i] > peak ? peaks[i] : peak;
-    return peak;
+        peak = std::max(peak, orderOf(peaks[i]));
+    return std::bit_cast<float>(peak);
 }
 
 void PeakLimiter::limitingGains(float* peaksToGains, int frames) noexcept {
     float* gains = peaksToGains;
-    for (int i = 0; i < frames; ++i) {
-        const float needed = kCeiling / (gains[i] > kCeiling ? gains[i] : kCeiling);
-        gains[i] = needed;
-    }
+    for (int i = 0; i < frames; ++i)
+        gains[i] = kCeiling / std::bit_cast<float>(std::max(orderOf(gains[i]), orderOf(kCeiling)));
     minimum_.process(gains, frames);
     const double keep = 1.0 - release_;
     const double rise = release_ * kReleaseTarget;
+    double released = released_;
+    int releasedFrames = releasedFrames_;
     for (int i = 0; i < frames; ++i) {
-        const double risen = keep * released_ + rise;
+        const double risen = keep * released + rise;
         const auto needed = static_cast<double>(gains[i]);
-        released_ = risen < needed ? risen : needed;
-        releasedFrames_ = released_ < 1.0 ? 0 : std::min(releasedFrames_ + 1, idleFrames_);
-        gains[i] = static_cast<float>(released_);
+        released = risen < needed ? risen : needed;
+        releasedFrames = released < 1.0 ? 0 : releasedFrames + 1;
+        gains[i] = static_cast<float>(released);
     }
+    released_ = released;
+    releasedFrames_ = std::min(releasedFrames, idleFrames_);
     smoother_.process(gains, frames);
 }
 

@@ -109,9 +109,11 @@ void Renderer::apply(const RenderParameters& wanted) noexcept {
     nodes_.comp.setBypass(wanted.compBypass);
     nodes_.mainMixer.glideVolume(wanted.volume);
     nodes_.mainMixer.setPan(wanted.pan);
-    if (isSilent()) { // no need to glide
+    if (isSilent()) { // no need to glide, and nothing of what sounded before is to be heard
         nodes_.eq.reset();
         nodes_.loudEQ.reset();
+        nodes_.comp.reset();
+        nodes_.limiter.reset();
         nodes_.mainMixer.reset();
     }
     applyTransport(wanted.playing);
@@ -155,10 +157,13 @@ void Renderer::applyGains(EqUnit& unit, const GainsCommand<N>& wanted,
     if (wanted.bypass != applied.bypass) {
         unit.setBypass(wanted.bypass);
     }
-    if (wanted.id != applied.id) {
-        constexpr double glideSeconds = 0.015;
-        unit.rampGains(wanted.db, std::max(wanted.steps, 1),
-                       framesOf(wanted.steps > 0 ? wanted.stepSeconds : glideSeconds));
+    if (wanted.id == applied.id) {
+        return;
+    }
+    if (wanted.steps > 0) {
+        unit.rampGains(wanted.db, wanted.steps, framesOf(wanted.stepSeconds));
+    } else {
+        unit.setGains(wanted.db);
     }
 }
 

@@ -25,7 +25,7 @@ template <std::size_t N>
 struct GainsCommand {
     uint32_t id = 0;
     std::array<float, N> db{};
-    int32_t steps = 0; ///< 0: at once
+    int32_t steps = 0; ///< 0: as soon as no click allows
     double stepSeconds = 0;
     bool bypass = true;
 };

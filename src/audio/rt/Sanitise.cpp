@@ -1,12 +1,14 @@
 #include "audio/rt/Sanitise.h"
 
 #include "audio/rt/BlockOps.h"
+#include "audio/rt/VectorClones.h"
 
 #include <bit>
 #include <cstdint>
 
 namespace quorel::rt {
 
+QUOREL_VECTOR_CLONES
 void sanitise(Block& block) noexcept {
     constexpr std::uint32_t kExponent = 0x7f800000u;
     for (int p = 0; p < block.pairs; ++p) {

@@ -2,35 +2,21 @@
 
 #include "OutputFixture.h"
 #include "audio/output/OutputDeviceManager.h"
-#include "support/SoundServer.h"
+#include "support/SoundServerTest.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <optional>
 
 using namespace quorel;
 using namespace quorel::test;
 
 namespace {
 
-/// Every case runs on a real server of each kind, with the sinks sink_a (the default) and sink_b.
-class PulseOutputTest : public testing::TestWithParam<SoundServer::Kind> {
+/// With the sinks sink_a, which is the default, and sink_b.
+class PulseOutputTest : public SoundServerTest {
   protected:
-    void SetUp() override {
-        const std::string missing = SoundServer::missingProgram(GetParam());
-        if (!missing.empty()) {
-            GTEST_SKIP() << missing << " is not installed";
-        }
-        server.emplace(GetParam());
-        server->addSink("sink_a");
-        server->addSink("sink_b");
-    }
-
-    void startServer() {
-        server->start();
-        server->setDefault("sink_a");
-    }
+    void startServer() { SoundServerTest::startServer({"sink_a", "sink_b"}); }
     void makeOutput() {
         output = std::make_unique<PulseOutput>(clock);
         output->attach(client, listener);
@@ -50,7 +36,6 @@ class PulseOutputTest : public testing::TestWithParam<SoundServer::Kind> {
         ASSERT_TRUE(opened(1));
     }
 
-    std::optional<SoundServer> server;
     ManualClock clock;
     RampClient client;
     NotingListener listener{client};
@@ -229,8 +214,6 @@ TEST_P(PulseOutputTest, SurvivesItsServer) {
 }
 
 TEST_P(PulseOutputTest, WaitsForAServerAndADevice) {
-    server->removeSink("sink_a");
-    server->removeSink("sink_b");
     makeOutput();
     output->open({});
     ASSERT_TRUE(until([&] { return listener.losses == 1; }));
@@ -312,10 +295,6 @@ TEST_P(PulseOutputTest, TellsNothingAfterItsEnd) {
     EXPECT_EQ(client.total, asked);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    , PulseOutputTest, testing::Values(SoundServer::Kind::PulseAudio, SoundServer::Kind::PipeWire),
-    [](const auto& test) {
-        return std::string(test.param == SoundServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire");
-    });
+INSTANTIATE_TEST_SUITE_P(, PulseOutputTest, kEachServer, serverName);
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Stream.h"
 #include "audio/rt/DynamicsProcessor.h"
 #include "audio/rt/FastMath.h"
+#include "support/Spectrum.h"
 
 #include <gtest/gtest.h>
 
@@ -110,15 +111,18 @@ TEST(DynamicsProcessor, AttacksAndReleasesInItsTimes) {
         }
 }
 
-TEST(DynamicsProcessor, SwitchesOutTransparently) {
+TEST(DynamicsProcessor, SwitchesOutTransparentlyAndWithoutAClick) {
+    constexpr int kFrames = 1 << 16;
+    constexpr int kSwitched = kFrames / 2 - 360;
     DynamicsProcessor unit;
     prepare(unit, kPresets[2], 48000);
-    const Stream in = Stream::noise(1, 10000, 0.2f);
+    const Stream in = Stream::ofMono(quorel::test::sine(0.2, 997, 48000, kFrames));
     Stream out = in;
-    run(unit, out, {{2000, [&] { unit.setBypass(true); }}});
+    run(unit, out, {{kSwitched, [&] { unit.setBypass(true); }}});
     EXPECT_TRUE(unit.bypassed());
-    for (std::size_t i = 2 * 2720; i < 20000; ++i)
+    for (std::size_t i = 2 * (kSwitched + 720); i < 2 * kFrames; ++i)
         ASSERT_EQ(out.pairs[0][i], in.pairs[0][i]);
+    EXPECT_LE(quorel::test::splatterDb(out.left(), 48000, 997, 0.2, 300), -85);
 }
 
 } // namespace

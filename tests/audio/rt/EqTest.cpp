@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <numbers>
@@ -211,6 +212,75 @@ TEST(EqUnit, RampsWithoutSplatterAndEndsTransparent) {
     }
 }
 
+TEST(EqUnit, TakesNewGainsAtOnceAndYetWithoutSplatter) {
+    constexpr int kRate = 48000;
+    constexpr int kFrames = 1 << 15;
+    constexpr int kAt = kFrames / 2 - 2880;
+    using Gains = std::array<float, 10>;
+    struct {
+        const char* name;
+        Gains from, to;
+        int frames; // of the change at most
+    } const rows[] = {
+        {"1 dB", {}, {0, 0, 0, 0, 0, 1}, 2 * 720},
+        {"6 dB", {}, {0, 0, 0, 0, 0, 6}, 8 * 720},
+        {"a cut taken back", {0, 0, 0, 0, 0, -12}, {}, 8 * 720},
+        {"a preset", {}, {6, 5, 4, 2, 0, -1, 0, 2, 4, 5}, 8 * 720},
+        {"another", {6, 5, 4, 2, 0, -1, 0, 2, 4, 5}, {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2}, 8 * 720},
+        {"off", {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2}, {}, 8 * 720},
+    };
+    for (const auto& row : rows)
+        for (const double hz : {100.0, 997.0, 5000.0}) {
+            EqUnit eq(10);
+            double loudest = 0; // of both settings, at the tone
+            for (int i = 0; i < 10; ++i)
+                eq.setBand(i, graphicBand(i, row.from[static_cast<std::size_t>(i)]));
+            for (const Gains& gains : {row.from, row.to}) {
+                double db = 0;
+                for (int i = 0; i < 10; ++i)
+                    db += analogDb(graphicBand(i),
+                                   static_cast<double>(gains[static_cast<std::size_t>(i)]), hz);
+                loudest = std::max(loudest, 0.1 * std::pow(10, db / 20));
+            }
+            eq.setBypass(false);
+            eq.prepare(format(kRate));
+            Stream stream = Stream::ofMono(quorel::test::sine(0.1, hz, kRate, kFrames));
+            const auto reached = [&](const Gains& gains) {
+                for (int i = 0; i < 10; ++i)
+                    if (eq.gain(i) != gains[static_cast<std::size_t>(i)])
+                        return false;
+                return true;
+            };
+            run(eq, stream,
+                {{kAt, [&] { eq.setGains(row.to); }},
+                 {kAt + row.frames - 1, [&] { EXPECT_FALSE(reached(row.to)) << row.name; }},
+                 {kAt + row.frames, [&] { EXPECT_TRUE(reached(row.to)) << row.name; }}});
+            EXPECT_LE(quorel::test::splatterDb(stream.left(), kRate, hz, loudest, 300), -88)
+                << row.name << ' ' << hz;
+        }
+}
+
+TEST(EqUnit, FollowsAGoalThatMovesOn) {
+    EqUnit eq(2);
+    prepareFlat(eq, 48000);
+    Events events;
+    float goal = 0;
+    for (int i = 0; i < 24; ++i) // half a dB every 16 ms
+        events.emplace_back(768 * i, [&] {
+            EXPECT_EQ(eq.gain(0), goal); // it has come to where it was sent
+            eq.setGain(0, goal += 0.5f);
+        });
+    for (int i = 24; i < 36; ++i) // a flick of 24 dB
+        events.emplace_back(768 * i, [&] { eq.setGain(0, goal -= 2); });
+    events.emplace_back(768 * 36, [&] {
+        EXPECT_LT(eq.gain(0), 4) << "it follows the flick";
+        eq.setGain(0, goal); // a repetition does not hold it up
+    });
+    events.emplace_back(768 * 35 + 5760, [&] { EXPECT_EQ(eq.gain(0), -12); });
+    Stream stream(1, 48000);
+    run(eq, stream, events);
+}
+
 TEST(EqUnit, ReportsTheGainThatARampHasReachedAndContinuesFromIt) {
     EqUnit eq(2);
     prepareFlat(eq, 48000);
@@ -228,7 +298,7 @@ TEST(EqUnit, ReportsTheGainThatARampHasReachedAndContinuesFromIt) {
          {500, [&] { EXPECT_NEAR(eq.gain(0), 3, 1e-5); }},
          {800, [&] { EXPECT_EQ(eq.gain(0), 0); }},
          {900, [&] { eq.rampGlobalGain(std::nanf(""), 10, 960), eq.setGain(1, 500); }},
-         {5000, [&] {
+         {7000, [&] {
               EXPECT_EQ(eq.globalGain(), 0);
               EXPECT_EQ(eq.gain(1), kMaxBandGainDb);
           }}});
@@ -246,6 +316,9 @@ TEST(EqUnit, BypassIsTransparentOnceFaded) {
     EXPECT_TRUE(eq.bypassed());
     const auto out = stream.left();
     EXPECT_NE(out[10360], tone[10360]);
+    const double boosted = static_cast<double>(*std::max_element(out.begin(), out.begin() + 10000));
+    const std::span<const float> change(out.data() + 2048, 1 << 14);
+    EXPECT_LE(quorel::test::splatterDb(change, 48000, 997, boosted, 300), -88) << "a click";
     for (std::size_t i = 10720; i < out.size(); ++i)
         ASSERT_EQ(out[i], tone[i]) << i;
 }

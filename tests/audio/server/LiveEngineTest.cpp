@@ -1,14 +1,9 @@
 // The whole way to the ear: engine, worker and output thread on real sound servers, what arrives
 // there captured and compared frame by frame.
+#include "LiveEngineFixture.h"
 #include "audio/OfflineRenderer.h"
 #include "support/ChildProcess.h"
-#include "support/LivePlayer.h"
-#include "support/MadeFile.h"
-#include "support/SoundServer.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <cstdlib>
 #include <thread>
 
@@ -17,77 +12,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int kRate = 48000;
-constexpr int64_t kEdge = 960;
-
-class LiveEngine : public testing::TestWithParam<SoundServer::Kind> {
+class LiveEngine : public LiveEngineTest {
   protected:
     void SetUp() override {
-        if (const auto missing = SoundServer::missingProgram(GetParam()); !missing.empty()) {
-            GTEST_SKIP() << missing << " is not installed";
+        LiveEngineTest::SetUp();
+        if (!IsSkipped()) {
+            startServer({"sink_a"});
         }
-        server.emplace(GetParam());
-        server->addSink("sink_a");
-        server->start();
-        server->setDefault("sink_a");
     }
-
-    static TrackToPlay track(int64_t frames, int64_t first = 0) {
-        return {std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)),
-                QUuid::createUuid(),
-                0,
-                {},
-                1.0};
-    }
-    /// Plays a track and waits until its start has been captured.
-    void playAloud(LivePlayer& player, Recorder& recorder, const TrackToPlay& wanted) {
-        ASSERT_TRUE(player.runUntil([&] { return player.engine.isOutputOpen(); }));
-        ASSERT_FALSE(player.engine.load(wanted, 0));
-        ASSERT_TRUE(player.runUntil([&] { return recorder.latest() != 0.0F; }));
-    }
-
-    /// Numbers of the ramp's frames in a capture, silence left out.
-    static std::vector<int64_t> heard(const std::vector<float>& capture) {
-        std::vector<int64_t> numbers;
-        for (std::size_t i = 0; i < capture.size(); i += 2) {
-            if (capture[i] != 0.0F) {
-                numbers.push_back(std::llround(static_cast<double>(capture[i]) /
-                                               std::pow(10.0, -0.8 / 20.0) * 1048576.0) -
-                                  1);
-            }
-        }
-        return numbers;
-    }
-    /// What has been heard once nothing more comes.
-    static std::vector<int64_t> heardInAll(LivePlayer& player, const Recorder& recorder) {
-        std::vector<int64_t> before;
-        for (auto now = heard(recorder.samples()); now != before || recorder.latest() != 0.0F;
-             now = heard(recorder.samples())) {
-            before = now;
-            player.run(500ms);
-        }
-        return before;
-    }
-    /// Places where the ramp does not go on with the next frame.
-    static std::vector<std::size_t> breaks(const std::vector<int64_t>& numbers) {
-        std::vector<std::size_t> places;
-        for (std::size_t i = 1; i < numbers.size(); ++i) {
-            if (numbers[i] != numbers[i - 1] + 1) {
-                places.push_back(i);
-            }
-        }
-        return places;
-    }
-
-    std::optional<SoundServer> server;
 };
-INSTANTIATE_TEST_SUITE_P(Servers, LiveEngine,
-                         testing::Values(SoundServer::Kind::PulseAudio,
-                                         SoundServer::Kind::PipeWire),
-                         [](const auto& kind) {
-                             return kind.param == SoundServer::Kind::PulseAudio ? "PulseAudio"
-                                                                                : "PipeWire";
-                         });
+INSTANTIATE_TEST_SUITE_P(Servers, LiveEngine, kEachServer, serverName);
 
 TEST_P(LiveEngine, everyFrameOfJoinedTracksArrivesOnce) {
     Recorder recorder("sink_a");
@@ -261,8 +195,8 @@ class EndlessRamp final : public AudioFile {
     static constexpr int64_t kPeriod = 900000;
 
     EndlessRamp() {
-        format_ = {kRate, rt::ChannelLayout::usual(2)};
-        length_ = int64_t{kRate} * 86400;
+        format_ = {48000, rt::ChannelLayout::usual(2)};
+        length_ = int64_t{48000} * 86400;
     }
     double dataRate() const override { return 0; }
     int64_t position() const override { return position_; }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "audio/AudioEngine.h"
 #include "model/AppSettings.h"
 
 #include <string>
@@ -15,8 +14,5 @@ struct ReadSettings {
 
 /// Reads a JSON settings record; keys that are missing keep their defaults.
 ReadSettings readSettings(const std::string& path);
-
-/// Brings the engine's sound in line with the settings.
-void applySettings(AudioEngine& engine, const AppSettings& settings);
 
 } // namespace quorel::cli
