@@ -12,8 +12,8 @@ namespace quorel::rt {
 namespace {
 
 constexpr double kGlideSeconds = 0.015;
-constexpr float kDbPerGlide = 0.5f; // a longer way in one glide could be heard as a click
-constexpr int kMaxGlides = 8;
+constexpr float kDbPerGlide = 1.0f; // a longer way in one glide could be heard as a click
+constexpr int kMaxGlides = 4;       // more would keep the change waiting
 constexpr float kMinGlobalDb = -96.0f;
 constexpr float kMaxGlobalDb = 24.0f;
 

@@ -33,7 +33,7 @@ class EqUnit final : public Node {
     // ramps: values are taken at once, so un-bypass first, then ramp.
 
     /// Moves one band to a gain, out of its ramp if one is running: in glides of 15 ms, one for
-    /// each half dB of the way but at most eight. A band on its way to that gain goes on.
+    /// each dB of the way but at most four. A band on its way to that gain goes on.
     void setGain(int index, float db) noexcept;
     void setGains(std::span<const float> targetsDb) noexcept; ///< needs a gain for every band
 

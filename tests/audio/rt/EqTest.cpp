@@ -220,14 +220,19 @@ TEST(EqUnit, TakesNewGainsAtOnceAndYetWithoutSplatter) {
     struct {
         const char* name;
         Gains from, to;
-        int frames; // of the change at most
+        int frames;  // of the change
+        double most; // splatter, dB
     } const rows[] = {
-        {"1 dB", {}, {0, 0, 0, 0, 0, 1}, 2 * 720},
-        {"6 dB", {}, {0, 0, 0, 0, 0, 6}, 8 * 720},
-        {"a cut taken back", {0, 0, 0, 0, 0, -12}, {}, 8 * 720},
-        {"a preset", {}, {6, 5, 4, 2, 0, -1, 0, 2, 4, 5}, 8 * 720},
-        {"another", {6, 5, 4, 2, 0, -1, 0, 2, 4, 5}, {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2}, 8 * 720},
-        {"off", {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2}, {}, 8 * 720},
+        {"1 dB", {}, {0, 0, 0, 0, 0, 1}, 720, -88},
+        {"6 dB", {}, {0, 0, 0, 0, 0, 6}, 4 * 720, -88},
+        {"a cut taken back", {0, 0, 0, 0, 0, -12}, {}, 4 * 720, -82},
+        {"a preset", {}, {6, 5, 4, 2, 0, -1, 0, 2, 4, 5}, 4 * 720, -86},
+        {"another",
+         {6, 5, 4, 2, 0, -1, 0, 2, 4, 5},
+         {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2},
+         4 * 720,
+         -82},
+        {"off", {-2, -1, 0, 3, 5, 5, 3, 1, 0, -2}, {}, 4 * 720, -82},
     };
     for (const auto& row : rows)
         for (const double hz : {100.0, 997.0, 5000.0}) {
@@ -255,7 +260,7 @@ TEST(EqUnit, TakesNewGainsAtOnceAndYetWithoutSplatter) {
                 {{kAt, [&] { eq.setGains(row.to); }},
                  {kAt + row.frames - 1, [&] { EXPECT_FALSE(reached(row.to)) << row.name; }},
                  {kAt + row.frames, [&] { EXPECT_TRUE(reached(row.to)) << row.name; }}});
-            EXPECT_LE(quorel::test::splatterDb(stream.left(), kRate, hz, loudest, 300), -88)
+            EXPECT_LE(quorel::test::splatterDb(stream.left(), kRate, hz, loudest, 300), row.most)
                 << row.name << ' ' << hz;
         }
 }
