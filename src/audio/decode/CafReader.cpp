@@ -174,7 +174,7 @@ OpenedAudioFile openPackets(AudioSource source, const Chunks& chunks, CodecDecod
     if (!chunks.table) {
         return refuse("a CAF file without its table of packets");
     }
-    PacketStream stream;
+    PacketStream stream(source.file);
     stream.codec = codec;
     stream.extradata = extradataOf(codec, chunks.cookie);
     if (stream.extradata.empty()) {

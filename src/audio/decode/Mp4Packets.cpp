@@ -122,7 +122,7 @@ void readRun(FileCursor run, const FragmentTrack& track, int64_t& offset, Packet
 } // namespace
 
 PacketTable readMp4Packets(const InputFile& file, const Mp4Track& track) {
-    PacketTable packets;
+    PacketTable packets(file.size());
     TimeRuns times(tableIn(file, track.times));
     ChunkCounts counts(tableIn(file, track.chunks));
     FileCursor sizes = tableIn(file, track.sizes);

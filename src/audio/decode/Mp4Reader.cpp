@@ -105,7 +105,7 @@ std::string refusal(const Mp4Movie& movie) {
 
 struct Contents {
     std::optional<Mp4Movie> movie;
-    PacketTable packets;
+    PacketTable packets{0};
 };
 
 Contents readContents(const AudioSource& source) {
@@ -155,7 +155,7 @@ OpenedAudioFile openMp4(AudioSource source) {
     }
     Mp4Track& track = *contents.movie->track;
     const Trim trim = trimOf(*contents.movie, contents.packets.end());
-    PacketStream stream;
+    PacketStream stream(source.file);
     stream.codec = *track.codec;
     stream.extradata = std::move(track.extradata);
     // An entry has no room for high rates; the media's clock mostly counts frames.

@@ -10,6 +10,9 @@ namespace quorel {
 
 /// The coded sound of a container: what decodes it, where its packets lie and which part sounds.
 struct PacketStream {
+    explicit PacketStream(const InputFile& file)
+        : packets(file.size()) {}
+
     CodecDecoder::Codec codec = CodecDecoder::Codec::Aac;
     std::vector<std::byte> extradata;
     int sampleRate = 0; ///< Hz; the packets may say otherwise

@@ -21,13 +21,16 @@ auto partAt(const Parts& parts, Value value, Field field) {
 }
 } // namespace
 
+PacketTable::PacketTable(int64_t fileBytes)
+    : most_(std::min(static_cast<uint64_t>(std::max<int64_t>(0, fileBytes)), kMaxPackets)) {}
+
 void PacketTable::reserve(uint64_t packets) {
-    sizes_.reserve(static_cast<std::size_t>(std::min(packets, kMaxPackets)));
+    sizes_.reserve(static_cast<std::size_t>(std::min(packets, most_)));
 }
 
 bool PacketTable::add(int64_t offset, uint32_t bytes, uint32_t ticks) {
     const auto index = static_cast<uint32_t>(sizes_.size());
-    if (index >= kMaxPackets || end_ > kMaxTime) {
+    if (index >= most_ || end_ > kMaxTime) {
         return false;
     }
     const bool newPiece = offset != nextOffset_ || index - pieces_.back().first >= kMaxPiecePackets;

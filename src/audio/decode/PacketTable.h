@@ -17,7 +17,10 @@ struct Packet {
 /// added in the order of their times, which only grow.
 class PacketTable {
   public:
-    /// Makes room, for as many as a table ever takes.
+    /// Takes no more packets than the file has bytes, whatever it says of them.
+    explicit PacketTable(int64_t fileBytes);
+
+    /// Makes room, for as many as the table takes.
     void reserve(uint64_t packets);
 
     /// False when the table is full; the packet is then not in it.
@@ -49,6 +52,7 @@ class PacketTable {
         uint32_t ticks;
     };
 
+    uint64_t most_;
     std::vector<uint32_t> sizes_;
     std::vector<Piece> pieces_;
     std::vector<Run> runs_;

@@ -175,7 +175,7 @@ OpenedAudioFile openAdpcm(AudioSource source, const Chunks& chunks) {
     if (format.frameBytes < 4 * format.channels || format.blockFrames == 0) {
         return refuse("a WAV file with ADPCM blocks of an absurd size");
     }
-    PacketStream stream;
+    PacketStream stream(source.file);
     stream.codec =
         format.tag == kTagAdpcmMs ? CodecDecoder::Codec::AdpcmMs : CodecDecoder::Codec::AdpcmIma;
     stream.sampleRate = static_cast<int>(format.sampleRate);

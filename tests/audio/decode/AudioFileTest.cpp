@@ -35,6 +35,7 @@ class AudioFileTest : public testing::TestWithParam<const char*> {
         ASSERT_TRUE(file);
         whole = readAll(*AudioFile::open(path).file);
         frames = file->length();
+        ASSERT_GT(frames, 0);
         ASSERT_EQ(static_cast<int64_t>(whole.size()), frames * 2);
     }
     /// Reads on to the end: all of it is the sound's own.
