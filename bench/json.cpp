@@ -1,13 +1,18 @@
-// Seconds to write and to read the state of 100,000 tracks, beside Qt's JSON classes in the same
-// run, and of 1,000,000 tracks by ours alone. Ends with the ratios. The text to read is given away
-// and the records read are destroyed outside the measured time.
+// Milliseconds to encode and to decode the state of 100,000 tracks in memory, and to save it to its
+// file (until the disk has it) and load it again, beside Qt's classes in the same run; and of
+// 1,000,000 tracks by ours alone. Ends with the ratios. The text to read is given away and the
+// records read are destroyed outside the measured time. The file is made where TMPDIR says.
 #include "model/Json.h"
 
 #include "QJsonForm.h"
 #include "SampleState.h"
+#include "storage/Persistence.h"
 
 #include <benchmark/benchmark.h>
 
+#include <QFile>
+#include <QSaveFile>
+#include <QTemporaryDir>
 #include <chrono>
 #include <cstdio>
 #include <map>
@@ -25,6 +30,10 @@ struct Ours {
     static PersistedState decode(QByteArray text) {
         return fromJson<PersistedState>(std::move(text)).value();
     }
+    static bool save(const PersistedState& state, const QString& file) {
+        return Persistence(file).save(state);
+    }
+    static PersistedState load(const QString& file) { return Persistence(file).load().value(); }
 };
 
 struct QJson {
@@ -36,6 +45,14 @@ struct QJson {
         PersistedState state;
         bench::fromValue(QJsonDocument::fromJson(text).object(), state);
         return state;
+    }
+    static bool save(const PersistedState& state, const QString& name) {
+        QSaveFile file(name);
+        return file.open(QIODevice::WriteOnly) && file.write(encode(state)) > 0 && file.commit();
+    }
+    static PersistedState load(const QString& name) {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? decode(file.readAll()) : PersistedState();
     }
 };
 
@@ -68,6 +85,26 @@ void decode(benchmark::State& run) {
     run.counters["MB"] = static_cast<double>(text.size()) / 1e6;
 }
 
+template <class Form>
+void save(benchmark::State& run) {
+    const PersistedState state = bench::sampleState(static_cast<int>(run.range(0)));
+    const QTemporaryDir folder;
+    for (auto _ : run)
+        timed(run, [&] { return Form::save(state, folder.filePath(QStringLiteral("state"))); });
+    if (Form::load(folder.filePath(QStringLiteral("state"))) != state)
+        run.SkipWithError("what was loaded differs from what was saved");
+}
+
+template <class Form>
+void load(benchmark::State& run) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("state"));
+    if (!Ours::save(bench::sampleState(static_cast<int>(run.range(0))), file))
+        run.SkipWithError("the file could not be written");
+    for (auto _ : run)
+        timed(run, [&] { return Form::load(file); });
+}
+
 void oursAtBothSizes(benchmark::internal::Benchmark* bench) {
     bench->Arg(kTracks)->Arg(kManyTracks)->Iterations(5)->UseManualTime();
     bench->Unit(benchmark::kMillisecond);
@@ -81,6 +118,10 @@ BENCHMARK_TEMPLATE(encode, Ours)->Name("encode/ours")->Apply(oursAtBothSizes);
 BENCHMARK_TEMPLATE(encode, QJson)->Name("encode/QJson")->Apply(qJsonAtOneSize);
 BENCHMARK_TEMPLATE(decode, Ours)->Name("decode/ours")->Apply(oursAtBothSizes);
 BENCHMARK_TEMPLATE(decode, QJson)->Name("decode/QJson")->Apply(qJsonAtOneSize);
+BENCHMARK_TEMPLATE(save, Ours)->Name("save/ours")->Apply(oursAtBothSizes);
+BENCHMARK_TEMPLATE(save, QJson)->Name("save/QJson")->Apply(qJsonAtOneSize);
+BENCHMARK_TEMPLATE(load, Ours)->Name("load/ours")->Apply(oursAtBothSizes);
+BENCHMARK_TEMPLATE(load, QJson)->Name("load/QJson")->Apply(qJsonAtOneSize);
 
 /// Remembers each time by its name, such as "decode/ours/100000".
 class RatioReporter : public benchmark::ConsoleReporter {
@@ -92,9 +133,9 @@ class RatioReporter : public benchmark::ConsoleReporter {
                 run.GetAdjustedRealTime();
     }
 
-    void printRatio(const char* text, const std::string& slow, const std::string& fast) {
+    void printRatio(const std::string& text, const std::string& slow, const std::string& fast) {
         if (times_.contains(slow) && times_.contains(fast))
-            std::printf("%s: %.2f\n", text, times_[slow] / times_[fast]);
+            std::printf("%s: %.2f\n", text.c_str(), times_[slow] / times_[fast]);
     }
 
   private:
@@ -109,10 +150,10 @@ int main(int argc, char** argv) {
         return 2;
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("encode, QJson over ours", "encode/QJson/100000", "encode/ours/100000");
-    reporter.printRatio("decode, QJson over ours", "decode/QJson/100000", "decode/ours/100000");
-    reporter.printRatio("encode, ten times the tracks", "encode/ours/1000000",
-                        "encode/ours/100000");
-    reporter.printRatio("decode, ten times the tracks", "decode/ours/1000000",
-                        "decode/ours/100000");
+    for (const std::string work : {"encode", "decode", "save", "load"}) {
+        reporter.printRatio(work + ", QJson over ours", work + "/QJson/100000",
+                            work + "/ours/100000");
+        reporter.printRatio(work + ", ten times the tracks", work + "/ours/1000000",
+                            work + "/ours/100000");
+    }
 }

@@ -1,12 +1,11 @@
 #include "Play.h"
 
+#include "Require.h"
 #include "audio/decode/AudioFile.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -15,13 +14,6 @@ namespace quorel::fuzz {
 namespace {
 
 constexpr int64_t kFrames = 8192; // read at each place; enough to cross blocks of every codec
-
-void require(bool kept, const char* word) {
-    if (!kept) {
-        std::fprintf(stderr, "broken: %s\n", word);
-        std::abort();
-    }
-}
 
 void readSome(AudioFile& file, std::vector<float>& frames) {
     const int64_t before = file.position();

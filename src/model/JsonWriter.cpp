@@ -12,14 +12,26 @@ namespace {
 
 constexpr std::string_view kHex = "0123456789ABCDEF";
 
-/// Appends the pieces of JSON text to one growing array.
+using Take = std::function<bool(QByteArrayView)>;
+
+/// Puts JSON text together in one array, which grows or is taken each time it is full.
 class Writer {
   public:
-    QByteArray take() {
+    explicit Writer(const Take* take = nullptr)
+        : take_(take) {
+        constexpr qsizetype kPiece = 1 << 20;
+        if (take_)
+            text_.resize(kPiece);
+    }
+
+    QByteArray text() {
         text_.truncate(at_);
         text_.squeeze();
         return std::move(text_);
     }
+
+    /// Has what is left taken; false if any piece was refused.
+    bool finish() { return handOver(at_); }
 
     void put(char c) { *room(1) = c, ++at_; }
 
@@ -52,17 +64,21 @@ class Writer {
 
   private:
     char* room(qsizetype bytes) {
-        const qsizetype needed = at_ + bytes;
-        if (needed > text_.size())
-            text_.resize(qMax(needed, 2 * text_.size()));
+        if (at_ + bytes > text_.size())
+            makeRoom(bytes);
         return text_.data() + at_;
     }
+
+    void makeRoom(qsizetype bytes);
+    bool handOver(qsizetype size);
 
     /// Text that stands in JSON as it is, as most does; false, and nothing put, for any other.
     /// Its loop has no early exit, for the compiler to take whole vectors at once.
     bool putAscii(QStringView text);
     void putEscaped(QStringView text);
 
+    const Take* take_;
+    bool isTaken_ = true; ///< no piece has been refused
     QByteArray text_;
     qsizetype at_ = 0; ///< the end of what is written
     QByteArray utf8_;  ///< one string on its way, kept to save allocations
@@ -71,6 +87,21 @@ class Writer {
 
 constexpr bool needsEscape(char16_t c) {
     return (c < 0x20) | (c == u'"') | (c == u'\\');
+}
+
+void Writer::makeRoom(qsizetype bytes) {
+    // The last character stays, for a bracket that may have to replace it.
+    if (take_ && at_ > 1)
+        handOver(at_ - 1);
+    if (at_ + bytes > text_.size())
+        text_.resize(qMax(at_ + bytes, 2 * text_.size()));
+}
+
+bool Writer::handOver(qsizetype size) {
+    isTaken_ = isTaken_ && (*take_)(QByteArrayView(text_).first(size));
+    std::copy(text_.cbegin() + size, text_.cbegin() + at_, text_.begin());
+    at_ -= size;
+    return isTaken_;
 }
 
 bool Writer::putAscii(QStringView text) {
@@ -230,12 +261,20 @@ template <class Record>
 QByteArray toJson(const Record& record) {
     Writer out;
     write(out, record);
-    return out.take();
+    return out.text();
+}
+
+template <class Record>
+bool writeJson(const Record& record, const Take& take) {
+    Writer out(&take);
+    write(out, record);
+    return out.finish();
 }
 
 template QByteArray toJson(const Track&);
 template QByteArray toJson(const Playlist&);
 template QByteArray toJson(const AppSettings&);
 template QByteArray toJson(const PersistedState&);
+template bool writeJson(const PersistedState&, const Take&);
 
 } // namespace quorel

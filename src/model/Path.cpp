@@ -28,6 +28,12 @@ char16_t escapedByte(QStringView text, qsizetype index) {
     return escaped ? static_cast<char16_t>(low - kEscapeLow) : u'\0';
 }
 
+QStringView lastComponent(QStringView path) {
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return path.sliced(path.lastIndexOf(u'/') + 1);
+}
+
 } // namespace
 
 QString pathFromBytes(QByteArrayView bytes) {
@@ -74,6 +80,27 @@ QString pathForDisplay(const QString& path) {
         if (const char16_t byte = escapedByte(text, at))
             text.replace(at, 2, byte >= 0xA0 ? QChar(byte) : QChar(QChar::ReplacementCharacter));
     }
+    return text;
+}
+
+QStringView baseName(QStringView path) {
+    const QStringView name = lastComponent(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.first(dot) : name;
+}
+
+QStringView extension(QStringView path) {
+    const QStringView name = lastComponent(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.sliced(dot + 1) : QStringView();
+}
+
+QStringView trimmedOfBlanks(QStringView text) {
+    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    while (!text.isEmpty() && isBlank(text.front()))
+        text = text.sliced(1);
+    while (!text.isEmpty() && isBlank(text.back()))
+        text.chop(1);
     return text;
 }
 

@@ -21,4 +21,13 @@ QByteArray pathToBytes(const QString& path);
 /// of an old file name, and unprintable ones as U+FFFD. Not for opening files.
 QString pathForDisplay(const QString& path);
 
+/// The last component without its extension. A dot that begins a name begins no extension.
+QStringView baseName(QStringView path);
+
+/// The extension of the last component, without its dot; empty where there is none.
+QStringView extension(QStringView path);
+
+/// Without spaces and tabs at both ends; other white space belongs to the text.
+QStringView trimmedOfBlanks(QStringView text);
+
 } // namespace quorel

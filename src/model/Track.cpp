@@ -6,15 +6,6 @@ namespace quorel {
 
 namespace {
 
-/// The last component of the path without its extension; a dot that begins a name begins none.
-QStringView baseName(QStringView path) {
-    while (path.endsWith(u'/'))
-        path.chop(1);
-    const QStringView name = path.sliced(path.lastIndexOf(u'/') + 1);
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 ? name.first(dot) : name;
-}
-
 /// The name without a leading track number, that is without what ^\s*\d+[\s.\-_]+ matches; the
 /// whole name where nothing else would be left. Digits and spaces are those of any script.
 QStringView withoutTrackNumber(QStringView name) {
@@ -29,16 +20,6 @@ QStringView withoutTrackNumber(QStringView name) {
         separators, [](QChar c) { return c.isSpace() || c == u'.' || c == u'-' || c == u'_'; });
     const bool numbered = separators > digits && rest > separators && rest < name.size();
     return numbered ? name.sliced(rest) : name;
-}
-
-/// Without spaces and tabs at both ends; other white space belongs to the text.
-QStringView trimmedOfBlanks(QStringView text) {
-    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    while (!text.isEmpty() && isBlank(text.front()))
-        text = text.sliced(1);
-    while (!text.isEmpty() && isBlank(text.back()))
-        text.chop(1);
-    return text;
 }
 
 } // namespace

@@ -104,9 +104,15 @@ PersistedState anyState(std::mt19937_64& random) {
     return state;
 }
 
+struct Case {
+    QByteArray json;
+    bool decodes;
+};
+
 template <class Record>
-void expectDecodes(const QByteArray& json, bool decodes) {
-    EXPECT_EQ(fromJson<Record>(json).has_value(), decodes) << json.left(300).constData();
+void expect(const std::vector<Case>& cases) {
+    for (const Case& c : cases)
+        EXPECT_EQ(fromJson<Record>(c.json).has_value(), c.decodes) << c.json.left(300).constData();
 }
 
 } // namespace
@@ -175,11 +181,7 @@ TEST(Json, writesWhatItHasNoWordsForAsTheNearestThing) {
 }
 
 TEST(Json, ofATrackIsReadStrictly) {
-    struct Case {
-        QByteArray more;
-        bool decodes;
-    };
-    const Case kCases[] = {
+    std::vector<Case> cases = {
         {R"(,"bpm":120)", true},
         {R"(,"bpm":null)", true},
         {R"(,"bpm":3.0)", true},
@@ -220,31 +222,26 @@ TEST(Json, ofATrackIsReadStrictly) {
         {R"(,"unknown":tru)", false},
         {R"(,)", false},
     };
-    for (const Case& c : kCases)
-        expectDecodes<Track>(trackWith(c.more), c.decodes);
-
+    for (Case& c : cases)
+        c.json = trackWith(c.json);
     const QByteArray kRequired[] = {R"("id":")" + kId + '"', R"("path":"/p")", R"("artist":"")",
                                     R"("title":"T")"};
     for (const QByteArray& key : kRequired) {
-        QByteArray missing = trackWith(R"(,"bpm":1)").replace(key + ',', "");
-        expectDecodes<Track>(missing, false);
+        cases.push_back({trackWith(R"(,"bpm":1)").replace(key + ',', ""), false});
         const QByteArray null = key.left(key.indexOf(':')) + ":null";
-        expectDecodes<Track>(trackWith("").replace(key, null), false);
+        cases.push_back({trackWith("").replace(key, null), false});
     }
     for (const char* id :
          {"", "0F8FAD5B", "{0F8FAD5B-D9CB-469F-A165-70867728950E}",
           "0F8FAD5BD9CB469FA16570867728950E", "0F8FAD5B-D9CB-469F-A165-70867728950G",
           "0F8FAD5B-D9CB-469FA-165-70867728950E"})
-        expectDecodes<Track>(trackWith("").replace(kId, id), false);
+        cases.push_back({trackWith("").replace(kId, id), false});
+    expect<Track>(cases);
     EXPECT_EQ(fromJson<Track>(trackWith("").replace(kId, kId.toLower())).value().id, uuid(kId));
 }
 
 TEST(Json, ofSettingsAndStateIsReadStrictly) {
-    struct Case {
-        QByteArray json;
-        bool decodes;
-    };
-    const Case kSettings[] = {
+    expect<AppSettings>({
         {R"( { "volume" : 1 } )", true},
         {R"({"pbMode":"repeat"})", false},
         {R"({"pbMode":"All"})", false},
@@ -268,13 +265,11 @@ TEST(Json, ofSettingsAndStateIsReadStrictly) {
         {"null", false},
         {"", false},
         {"{", false},
-    };
-    for (const Case& c : kSettings)
-        expectDecodes<AppSettings>(c.json, c.decodes);
+    });
 
     const QByteArray playlist = R"({"id":")" + kOtherId + R"(","name":"P","tracks":[)";
     const QByteArray settings = R"("settings":{})";
-    const Case kStates[] = {
+    expect<PersistedState>({
         {R"({"playlists":[],)" + settings + "}", true},
         {R"({"playlists":[]})", false},
         {"{" + settings + "}", false},
@@ -288,9 +283,7 @@ TEST(Json, ofSettingsAndStateIsReadStrictly) {
         {R"({"playlists":[],"settings":{"compPreset":"loud"}})", false},
         {R"({"playlists":[],"activePlaylistID":null,)" + settings + "}", true},
         {R"({"playlists":[],"resumeTrackID":"x",)" + settings + "}", false},
-    };
-    for (const Case& c : kStates)
-        expectDecodes<PersistedState>(c.json, c.decodes);
+    });
 }
 
 TEST(Json, damagedAnywhereIsRefusedOrReadsAsSomethingThatRoundTrips) {

@@ -94,13 +94,22 @@ class Usage(Case):
     WRONG = [
         ([], "no command is given"),
         (["sing"], 'there is no command "sing"'),
-        (["play"], "nothing to play"),
+        (["play"], "no FILES... given"),
         (["play", "--loud", "a.wav"], 'no option "--loud"'),
         (["play", "a.wav", "--output"], "--output needs a value"),
         (["devices", "--json=yes"], "--json takes no value"),
         (["devices", "all"], '"all" is one word too many'),
+        (["collect"], "no PATHS... given"),
+        (["collect", "--sorted", "a.wav"], 'no option "--sorted"'),
+        (["playlist"], "no FILE.m3u8 given"),
+        (["playlist", "a.m3u8", "b.m3u8"], '"b.m3u8" is one word too many'),
+        (["tag", "--title", "T"], "no FILE given"),
+        (["tag", "a.mp3", "b.mp3"], '"b.mp3" is one word too many'),
+        (["tag", "a.mp3", "--track", "3/x"], '--track: "3/x"'),
+        (["tag", "a.mp3", "--disc=/2"], '--disc: "/2"'),
+        (["tag", "a.mp3", "--title", b"\xff"], "--title is not UTF-8"),
         (["render", "a.wav"], "-o is missing"),
-        (["render", "-o", "out.wav"], "nothing to render"),
+        (["render", "-o", "out.wav"], "no FILES... given"),
         (["render", "-o", "out.wav", "--rate", "7999", "a.wav"], "7999"),
         (["render", "-o", "out.wav", "--rate=44100Hz", "a.wav"], "44100Hz"),
         (["render", "-o", "out.wav", "--gapless", "maybe", "a.wav"], "maybe"),
@@ -140,6 +149,9 @@ class Failures(Case):
         for words, said in [
                 (["render", "-o", out, self.path("none.wav")], "none.wav"),
                 (["render", "-o", out, self.path("es\x1b[1mca\npe")], "es\ufffd.1mca\ufffdpe"),
+                (["playlist", self.path("none.m3u8")], "none.m3u8"),
+                (["playlist", self.path("folder")], "folder"),
+                (["playlist", empty], "empty.wav"),
                 (["render", "-o", out, noise], "noise.wav"),
                 (["render", "-o", out, empty], "empty.wav"),
                 (["render", "-o", out, self.path("folder")], "folder"),
@@ -147,6 +159,8 @@ class Failures(Case):
                 (["render", "-o", self.path("folder"), track], "folder"),
                 (["render", "-o", out, "--settings", self.path("none"), track], "none"),
                 (["play", "--output", "null", self.path("none.wav")], "none.wav"),
+                (["tag", self.path("none.mp3")], "none.mp3: No such file"),
+                (["tag", track], "supported for MP3 files only"),
                 (["devices"], "no sound server answers")]:
             with self.subTest(words=words):
                 result = self.run_(*words)
@@ -361,6 +375,8 @@ class Analyze(Case):
         self.assertAlmostEqual(first["bpm"], 125, delta=2)
         self.assertNotEqual(first["bpm"], round(first["bpm"]))
         self.assertIsNone(second["bpm"])
+        self.assertEqual(second["metadata"], {"bitrateKbps": 1411, "duration": 1.5,
+                                              "sampleRateHz": self.RATE})
         self.assertEqual(second["trim"], {"start": 0, "end": 1.5})
         self.assertAlmostEqual(second["levels"]["peak"], np.abs(noise).max(), places=6)
         self.assertAlmostEqual(second["levels"]["rms"], np.sqrt(np.mean(noise ** 2)), places=6)
@@ -371,7 +387,7 @@ class Analyze(Case):
                              (["--trim-threshold", "-0"], 0), (["--trim-threshold=-40"], 1)]:
             with self.subTest(words=words):
                 (report,), _ = self.analyze("--no-bpm", *words, beat)
-                self.assertEqual(sorted(report), ["levels", "path", "trim"])
+                self.assertEqual(sorted(report), ["levels", "metadata", "path", "trim"])
                 self.assertAlmostEqual(report["trim"]["start"], start, delta=1024 / self.RATE)
 
     def testFilesThatCannotBeOpened(self):
@@ -386,6 +402,70 @@ class Analyze(Case):
         self.assertEqual(sorted(fine), ["bpm", "levels", "path", "trim"])
         (report,), _ = self.analyze(empty)
         self.assertEqual(report, {"path": empty, "trim": {"start": 0, "end": 0}, "bpm": None})
+
+
+class Paths(Case):
+    def setUp(self):
+        super().setUp()
+        os.mkdir(self.path("b"))
+        for name in ("b/10.mp3", "b/9.FLAC", "A.wav", "cover.jpg", "\udce9\n.mp3"):
+            self.text(name, "")
+
+    def lines(self, *words):
+        result = subprocess.run([program, *words], capture_output=True, timeout=60, check=False,
+                                env=ENVIRONMENT, cwd=self.folder)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        self.assertTrue(result.stdout.endswith(b"\n") or not result.stdout)
+        return os.fsdecode(result.stdout).split("\n")[:-1]
+
+    def testCollect(self):
+        expected = [self.path(name) for name in ("A.wav", "b/9.FLAC", "b/10.mp3")]
+        self.assertEqual(self.lines("collect", "b", "none", "./A.wav", self.path("b/10.mp3")),
+                         expected)
+        self.assertEqual(self.lines("collect", "none", "cover.jpg"), [])
+        objects = [json.loads(line) for line in self.lines("collect", "--json", ".")]
+        self.assertEqual(len(objects), 4)
+        self.assertEqual([given for given in objects if given["path"] in expected],
+                         [{"path": path} for path in expected])
+        self.assertEqual("\n".join(self.lines("collect", "\udce9\n.mp3")),
+                         self.path("\udce9\n.mp3"))
+
+    def testPlaylist(self):
+        self.text("b/list.m3u8", "#EXTM3U\r\n10.mp3\r\n../A.wav\r\n10.mp3\r\nnone.mp3\r\n")
+        expected = [self.path(name) for name in ("b/10.mp3", "A.wav", "b/10.mp3")]
+        self.assertEqual(self.lines("playlist", "b/list.m3u8"), expected)
+        self.assertEqual([json.loads(line) for line in self.lines("playlist", "b/list.m3u8", "--json")],
+                         [{"path": path} for path in expected])
+        self.assertEqual(self.lines("playlist", "A.wav"), [])
+
+
+class Tag(Case):
+    @staticmethod
+    def frame(name, content):
+        return name + struct.pack(">IH", len(content), 0) + content
+
+    def testWritesWhatIsGiven(self):
+        frame, mark = self.frame, b"\x01\xff\xfe"
+        comment = b"\x01eng\xff\xfe\0\0\xff\xfe" + "с".encode("utf-16-le")
+        tags = [([], b""),
+                (["--title", "Ab"], frame(b"TIT2", mark + b"A\0b\0")),
+                (["--comment=с", "--track", "3/10", "--disc", "2"],
+                 frame(b"COMM", comment) + frame(b"TRCK", mark + "3/10".encode("utf-16-le"))
+                 + frame(b"TPOS", mark + b"2\0")),
+                (["--album-artist", "V", "--artist", "A", "--album", "B", "--genre", "G",
+                  "--year", "1", "--composer", "C"],
+                 b"".join(frame(name, mark + text + b"\0") for name, text in [
+                     (b"TPE1", b"A"), (b"TALB", b"B"), (b"TPE2", b"V"), (b"TCON", b"G"),
+                     (b"TYER", b"1"), (b"TCOM", b"C")]))]
+        path = self.text("song.mp3", "sound")
+        for words, frames in tags: # each tag replaces the one before
+            with self.subTest(words=words):
+                result = self.run_("tag", *words, "song.mp3")
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "", ""))
+                with open(path, "rb") as file:
+                    self.assertEqual(file.read(), b"ID3\3\0\0\0\0" + bytes(divmod(len(frames), 128))
+                                     + frames + b"sound")
+        self.assertEqual(os.listdir(self.folder), ["song.mp3"])
 
 
 class Play(Case):

@@ -1,8 +1,10 @@
 // quorel-cli analyze: what is measured of files, apart from playing them.
 #include "audio/analysis/TrackAnalysis.h"
+#include "media/tags/MetadataReader.h"
 #include "model/Path.h"
 #include "tools/quorel-cli/CommandLine.h"
 #include "tools/quorel-cli/Console.h"
+#include "tools/quorel-cli/MetadataJson.h"
 #include "tools/quorel-cli/OpenTrack.h"
 
 #include <QJsonDocument>
@@ -44,15 +46,17 @@ QJsonObject analyse(AudioFile& file, const Wishes& wishes) {
 /// False when the file cannot be opened.
 bool report(const std::string& path, const Wishes& wishes) {
     const OpenedAudioFile opened = AudioFile::open(path);
+    const QString name = pathFromBytes(QByteArrayView(path));
     QJsonObject object;
     if (opened.file) {
         object = analyse(*opened.file, wishes);
+        object.insert(QStringLiteral("metadata"), toJson(MetadataReader::read(name)));
     } else {
         const QString error = QString::fromStdString(opened.error);
         printProblem(aboutFile(path, error));
         object.insert(QStringLiteral("error"), error);
     }
-    object.insert(QStringLiteral("path"), pathFromBytes(QByteArrayView(path)));
+    object.insert(QStringLiteral("path"), name);
     printLine(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString());
     return opened.file != nullptr;
 }
@@ -86,11 +90,11 @@ int run(const Arguments& arguments) {
 const Command kAnalyzeCommand = {
     "analyze",
     "FILES...",
-    "Measures files: silence at their ends, levels, tempo.",
-    "Prints a JSON object for each file, one a line: path, trim (start and end of the sound, in\n"
-    "seconds), levels (peak and rms, full scale is 1) and bpm (null without a clear beat), or "
-    "path\n"
-    "and error. What cannot be measured is left out. The status is 1 if a file cannot be opened.",
+    "Measures files: tags, silence at their ends, levels, tempo.",
+    "Prints a JSON object for each file, one a line: path, metadata (what its tags and its head\n"
+    "say), trim (start and end of the sound, in seconds), levels (peak and rms, full scale is 1)\n"
+    "and bpm (null without a clear beat), or path and error. What cannot be read or measured is\n"
+    "left out. The status is 1 if a file cannot be opened.",
     kOptions,
     run};
 

@@ -39,6 +39,9 @@ struct Command {
 extern const Command kPlayCommand;
 extern const Command kRenderCommand;
 extern const Command kAnalyzeCommand;
+extern const Command kCollectCommand;
+extern const Command kPlaylistCommand;
+extern const Command kTagCommand;
 extern const Command kDevicesCommand;
 
 } // namespace quorel::cli

@@ -24,7 +24,7 @@ std::string incompleteness(const Command& command, const Arguments& arguments) {
         return quoted(arguments.operands.front()) + " is one word too many";
     }
     if (!command.operands.empty() && arguments.operands.empty()) {
-        return "there is nothing to " + std::string(command.name);
+        return "no " + std::string(command.operands) + " given";
     }
     return {};
 }

@@ -9,13 +9,14 @@ using namespace quorel::cli;
 
 namespace {
 
-constexpr std::array kCommands = {&kPlayCommand, &kRenderCommand, &kAnalyzeCommand,
+constexpr std::array kCommands = {&kPlayCommand,   &kRenderCommand,  &kAnalyzeCommand,
+                                  &kTagCommand,    &kCollectCommand, &kPlaylistCommand,
                                   &kDevicesCommand};
 constexpr std::string_view kUsage = "usage: quorel-cli COMMAND [OPTIONS] ..., or quorel-cli --help";
 
 void printHelp() {
     printLine("usage: quorel-cli COMMAND [OPTIONS] ...\n\n"
-              "Quorel's engine without a window. The commands:\n");
+              "Quorel's engine and library without a window. The commands:\n");
     for (const Command* command : kCommands) {
         std::string line = "  " + std::string(command->name);
         line.resize(12, ' ');

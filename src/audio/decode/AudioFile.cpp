@@ -10,6 +10,7 @@
 #include "audio/decode/WavReader.h"
 
 #include <array>
+#include <utility>
 
 namespace quorel {
 
@@ -18,6 +19,18 @@ namespace {
 constexpr std::array kReaders{kFlacReader, kWavReader, kAiffReader,
                               kCafReader,  kMp4Reader, kMpegReader};
 } // namespace
+
+IdentifiedFile identify(InputFile file) {
+    const int64_t begin = endOfLeadingTags(file);
+    const int64_t end = startOfTrailingTags(file, begin);
+    std::array<std::byte, 64> bytes{};
+    const std::span<const std::byte> head(bytes.data(), file.readAt(begin, bytes));
+    const auto* reader = kReaders.begin();
+    while (reader + 1 != kReaders.end() && !reader->recognises(head)) {
+        ++reader;
+    }
+    return {AudioSource{std::move(file), begin, end}, *reader};
+}
 
 OpenedAudioFile AudioFile::open(const std::string& path) {
     std::string error;
@@ -28,16 +41,23 @@ OpenedAudioFile AudioFile::open(const std::string& path) {
     if (file->size() == 0) {
         return refuse("the file is empty");
     }
-    const int64_t begin = endOfLeadingTags(*file);
-    const int64_t end = startOfTrailingTags(*file, begin);
-    std::array<std::byte, 64> bytes{};
-    const std::span<const std::byte> head(bytes.data(), file->readAt(begin, bytes));
-    for (const AudioReader& reader : kReaders) {
-        if (reader.recognises(head)) {
-            return reader.open(AudioSource{*std::move(file), begin, end});
+    IdentifiedFile identified = identify(*std::move(file));
+    return identified.reader.open(std::move(identified.source));
+}
+
+std::optional<AudioProperties> readAudioProperties(InputFile file) {
+    IdentifiedFile identified = identify(std::move(file));
+    if (identified.reader.measure != nullptr) {
+        if (const auto measured = identified.reader.measure(identified.source)) {
+            return measured;
         }
     }
-    return refuse("not an audio file of a known format");
+    const auto opened = identified.reader.open(std::move(identified.source));
+    if (!opened.file) {
+        return std::nullopt;
+    }
+    return AudioProperties{opened.file->sampleRate(), opened.file->length(),
+                           opened.file->dataRate()};
 }
 
 } // namespace quorel

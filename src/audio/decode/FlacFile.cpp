@@ -29,16 +29,52 @@ OpenedAudioFile openFlac(AudioSource source) {
 }
 
 namespace {
+// The frame header that stands where the metadata say the frames start.
+std::optional<FlacFrameHeader> firstHeader(const AudioSource& source,
+                                           const FlacMetadata& metadata) {
+    std::array<std::byte, FlacFrameHeader::kMaxBytes> bytes{};
+    const std::size_t got = source.file.readAt(metadata.audioBegin, bytes);
+    return FlacFrameHeader::parse(std::span(bytes).first(got), metadata.info);
+}
+
 // Where the frames start. A wrong block length leads astray; then they are looked for from the
 // block on that is surely one.
 int64_t framesBegin(const AudioSource& source, const FlacMetadata& metadata) {
-    std::array<std::byte, FlacFrameHeader::kMaxBytes> bytes{};
-    const std::size_t got = source.file.readAt(metadata.audioBegin, bytes);
-    const bool sane = metadata.audioBegin == source.end ||
-                      FlacFrameHeader::parse(std::span(bytes).first(got), metadata.info);
+    const bool sane = metadata.audioBegin == source.end || firstHeader(source, metadata);
     return sane ? metadata.audioBegin : metadata.infoEnd;
 }
+// Whether so many bytes can be all of the stream's frames: by the sizes of the smallest and the
+// largest that STREAMINFO states. They are 0 where the encoder did not know.
+bool canHoldAll(const FlacStreamInfo& info, int64_t bytes) {
+    const auto number = [&](std::size_t at, int count) {
+        return static_cast<int64_t>(loadUnsigned(&info.block[at], count, std::endian::big));
+    };
+    const int64_t smallestBlock = std::max<int64_t>(1, number(0, 2));
+    const int64_t largestBlock = std::max<int64_t>(1, number(2, 2));
+    const int64_t smallestBytes = number(4, 3);
+    const int64_t largestBytes = number(7, 3);
+    const bool tooFew = info.totalFrames / largestBlock * smallestBytes > bytes;
+    const bool tooMany =
+        largestBytes > 0 && (info.totalFrames / smallestBlock + 1) * largestBytes < bytes;
+    return !tooFew && !tooMany && bytes > 0;
+}
 } // namespace
+
+std::optional<AudioProperties> measureFlac(const AudioSource& source) {
+    const auto metadata = FlacMetadata::read(source);
+    if (!metadata || metadata->info.totalFrames == 0) {
+        return std::nullopt;
+    }
+    const auto first = firstHeader(source, *metadata);
+    const FlacStreamInfo& info = metadata->info;
+    if (!first || first->sampleRate != info.sampleRate || info.sampleRate < kMinSampleRate ||
+        info.sampleRate > kMaxSampleRate || !canHoldAll(info, source.end - metadata->audioBegin)) {
+        return std::nullopt;
+    }
+    return AudioProperties{
+        info.sampleRate, info.totalFrames,
+        dataRateOf(source.end - metadata->audioBegin, info.totalFrames, info.sampleRate)};
+}
 
 FlacFile::FlacFile(AudioSource source, const FlacMetadata& metadata)
     : source_(std::move(source))
@@ -70,8 +106,7 @@ bool FlacFile::isPlayable() {
 }
 
 double FlacFile::dataRate() const {
-    const auto bytes = static_cast<double>(source_.end - scanner_.begin());
-    return length_ > 0 ? 8 * bytes * format_.sampleRate / static_cast<double>(length_) : 0;
+    return dataRateOf(source_.end - scanner_.begin(), length_, format_.sampleRate);
 }
 
 bool FlacFile::seek(int64_t frame) {

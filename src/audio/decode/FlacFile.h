@@ -9,9 +9,11 @@ namespace quorel {
 
 bool recognisesFlac(std::span<const std::byte> head);
 OpenedAudioFile openFlac(AudioSource source);
+/// By the file's head, where that tells the length and the frames begin behind it.
+std::optional<AudioProperties> measureFlac(const AudioSource& source);
 
 /// Native FLAC, also behind an ID3v2 tag.
-inline constexpr AudioReader kFlacReader{recognisesFlac, openFlac};
+inline constexpr AudioReader kFlacReader{recognisesFlac, openFlac, measureFlac};
 
 /// A FLAC file. Frames lost to damage are silence, so that what follows keeps its place; frames of
 /// another rate or channel count end the stream.

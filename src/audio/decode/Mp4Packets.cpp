@@ -3,6 +3,7 @@
 #include "audio/decode/FileCursor.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quorel {
 
@@ -94,6 +95,65 @@ FragmentTrack readFragmentHeader(FileCursor header, int64_t moofOffset, const Mp
     return track;
 }
 
+constexpr int64_t kMaxSummed = 1'000'000; // packets; six hours of AAC
+
+// Of `count` sizes in a row, from byte `offset` on; -1 where the file has fewer.
+int64_t sumOfSizes(const InputFile& file, int64_t offset, int64_t count) {
+    std::array<std::byte, 16384> window{};
+    int64_t sum = 0;
+    while (count > 0) {
+        const auto wanted =
+            std::min<std::size_t>(window.size(), 4 * static_cast<std::size_t>(count));
+        const auto sizes = std::span(window).first(wanted);
+        if (file.readAt(offset, sizes) != wanted) {
+            return -1;
+        }
+        for (std::size_t i = 0; i < wanted; i += 4) {
+            sum += static_cast<int64_t>(loadUnsigned(&sizes[i], 4, std::endian::big));
+        }
+        offset += static_cast<int64_t>(wanted);
+        count -= static_cast<int64_t>(wanted / 4);
+    }
+    return sum;
+}
+
+// Adds up the times of `sums.packets` packets; false where the table has more or fewer of them.
+bool sumTimes(FileCursor table, Mp4PacketSums& sums) {
+    const uint64_t runs = table.number(4);
+    int64_t counted = 0;
+    for (uint64_t i = 0; i < runs && table.has(8); ++i) {
+        const auto count = static_cast<int64_t>(table.number(4));
+        const auto ticks = static_cast<uint32_t>(table.number(4));
+        sums.firstTicks = counted == 0 ? ticks : sums.firstTicks;
+        sums.lastTicks = count > 0 ? ticks : sums.lastTicks;
+        counted += count;
+        sums.ticks += count * ticks;
+        if (counted > sums.packets) {
+            return false;
+        }
+    }
+    return counted == sums.packets;
+}
+
+// How many packets the chunks have.
+int64_t packetsInChunks(FileCursor table, int64_t chunks) {
+    const uint64_t entries = table.number(4);
+    int64_t packets = 0;
+    int64_t first = 0; // chunk of the entry before
+    int64_t each = 0;
+    for (uint64_t i = 0; i < entries && table.has(12) && packets <= kMaxSummed; ++i) {
+        const auto next = static_cast<int64_t>(table.number(4));
+        if (next <= first || next > chunks || (first == 0 && next != 1)) {
+            return -1;
+        }
+        packets += (next - first) * each;
+        first = next;
+        each = static_cast<int64_t>(table.number(4));
+        table.skip(4);
+    }
+    return packets + (chunks + 1 - first) * each;
+}
+
 // Adds the packets of a trun box. `offset` is where they start unless it says so; afterwards, where
 // they end.
 void readRun(FileCursor run, const FragmentTrack& track, int64_t& offset, PacketTable& packets) {
@@ -151,6 +211,26 @@ PacketTable readMp4Packets(const InputFile& file, const Mp4Track& track) {
         }
     }
     return packets;
+}
+
+std::optional<Mp4PacketSums> sumMp4Packets(const InputFile& file, const Mp4Track& track) {
+    FileCursor sizes = tableIn(file, track.sizes);
+    const auto commonBytes = static_cast<int64_t>(sizes.number(4));
+    Mp4PacketSums sums;
+    sums.packets = static_cast<int64_t>(sizes.number(4));
+    const auto chunks = static_cast<int64_t>(tableIn(file, track.offsets).number(4));
+    const int64_t offsetBytes = track.offsets.name == fourCc("co64") ? 8 : 4;
+    if (sums.packets == 0 || sums.packets > kMaxSummed ||
+        chunks * offsetBytes > track.offsets.end - track.offsets.begin - 8 ||
+        packetsInChunks(tableIn(file, track.chunks), chunks) != sums.packets ||
+        !sumTimes(tableIn(file, track.times), sums)) {
+        return std::nullopt;
+    }
+    sums.bytes = commonBytes != 0 ? commonBytes * sums.packets
+                 : 4 * sums.packets <= sizes.remaining()
+                     ? sumOfSizes(file, track.sizes.begin + 12, sums.packets)
+                     : -1;
+    return sums.bytes >= 0 ? std::optional(sums) : std::nullopt;
 }
 
 void readMp4Fragment(const InputFile& file, const Mp4Box& moof, int64_t moofOffset,

@@ -134,7 +134,68 @@ Contents readContents(const AudioSource& source) {
     return contents;
 }
 
+// The sampling rate that an AudioSpecificConfig (ISO/IEC 14496-3, 1.6.2.1) states of plain AAC LC.
+// 0 for all other AAC, and for rates at which encoders extend the band without saying so.
+int plainAacRate(std::span<const std::byte> config) {
+    static constexpr std::array kRates{96000, 88200, 64000, 48000, 44100, 32000};
+    constexpr uint64_t kLowComplexity = 2;
+    if (config.size() < 2) {
+        return 0;
+    }
+    const uint64_t head = loadUnsigned(config.data(), 2, std::endian::big);
+    const auto rate = static_cast<std::size_t>(head >> 7 & 0xF);
+    const bool knownChannels = (head >> 3 & 0xF) != 0;
+    // Behind these two bytes an encoder may say that it extends nothing: 11 bits of mark, 5 of
+    // object type, then a 0.
+    const bool saysNoExtension = config.size() >= 5 && config[2] == std::byte{0x56} &&
+                                 config[3] == std::byte{0xE5} &&
+                                 (config[4] & std::byte{0x80}) == std::byte{};
+    const bool plain =
+        head >> 11 == kLowComplexity && knownChannels && (config.size() == 2 || saysNoExtension);
+    return plain && rate < kRates.size() ? kRates[rate] : 0;
+}
+
+// Whether decoding could tell nothing about rate and length that the tables do not.
+bool isToldByTables(const Mp4Track& track, const Mp4PacketSums& sums) {
+    const auto ticks = static_cast<int64_t>(track.ticksPerSecond);
+    if (*track.codec == CodecDecoder::Codec::Alac) {
+        // A last packet as long as the others may be one whose true length was not written.
+        return ticks == track.sampleRate && sums.lastTicks < sums.firstTicks;
+    }
+    return *track.codec == CodecDecoder::Codec::Aac && ticks == plainAacRate(track.extradata);
+}
+
+std::optional<Mp4Movie> findMovie(const AudioSource& source) {
+    int budget = kMaxMp4Boxes;
+    Mp4Walk walk(source.file, source.begin, source.file.size(), budget);
+    for (int i = 0; i < kMaxBoxesBeforeMovie; ++i) {
+        const auto box = walk.next();
+        if (!box) {
+            break;
+        }
+        if (box->name == fourCc("moov")) {
+            return readMp4Movie(source.file, *box, budget);
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
+
+std::optional<AudioProperties> measureMp4(const AudioSource& source) {
+    const std::optional<Mp4Movie> movie = findMovie(source);
+    if (!movie || movie->fragmented || !refusal(*movie).empty()) {
+        return std::nullopt;
+    }
+    const auto sums = sumMp4Packets(source.file, *movie->track);
+    if (!sums || sums->ticks == 0 || !isToldByTables(*movie->track, *sums)) {
+        return std::nullopt;
+    }
+    const Trim trim = trimOf(*movie, sums->ticks);
+    const auto rate = static_cast<int>(movie->track->ticksPerSecond);
+    return AudioProperties{rate, std::clamp<int64_t>(trim.length, 0, sums->ticks - trim.origin),
+                           dataRateOf(sums->bytes, sums->ticks, rate)};
+}
 
 bool recognisesMp4(std::span<const std::byte> head) {
     if (head.size() < 8) {

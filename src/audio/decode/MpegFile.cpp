@@ -14,6 +14,42 @@ OpenedAudioFile openMpeg(AudioSource source) {
     return {std::move(file), {}};
 }
 
+namespace {
+// The bytes of the frames behind an info tag where it can be believed unseen: what it says of the
+// stream's size is true, so nothing is cut off or put behind it. 0 where it cannot. Some encoders
+// leave the tag's own frame out of the size.
+int64_t provenBytes(const MpegInfoTag& tag, int64_t streamBytes, int tagBytes) {
+    const int64_t unstated = streamBytes - tag.bytes;
+    const bool proven = tag.intact && tag.knowsDelay() && tag.count > 0 && tag.bytes > tagBytes &&
+                        unstated >= 0 && unstated <= tagBytes;
+    return !proven ? 0 : unstated == tagBytes ? tag.bytes : tag.bytes - tagBytes;
+}
+} // namespace
+
+std::optional<AudioProperties> measureMpeg(const AudioSource& source) {
+    MpegWalker walker(source, [] { return false; });
+    if (!walker.findStream() || !walker.next() || walker.frame().isAac()) {
+        return std::nullopt; // AAC's headers do not tell its rate
+    }
+    const MpegFrame first = walker.frame();
+    const int64_t begin = walker.offset();
+    const auto tag = MpegInfoTag::read(walker.packet(), first);
+    int64_t packets = tag ? tag->count : 0;
+    int64_t bytes = tag ? provenBytes(*tag, source.end - begin, first.bytes) : 0;
+    if (bytes == 0) {
+        walker.moveTo(begin);
+        const MpegIndex index(walker);
+        packets = index.count();
+        bytes = index.bytes();
+    }
+    if (packets == 0) {
+        return std::nullopt;
+    }
+    return AudioProperties{first.sampleRate,
+                           MpegInfoTag::soundIn(tag, packets, first.frames).length,
+                           dataRateOf(bytes, packets * first.frames, first.sampleRate)};
+}
+
 MpegFile::MpegFile(AudioSource source)
     : source_(std::move(source))
     , walker_(source_, [this] { return cancelled(); }) {}
@@ -31,7 +67,9 @@ bool MpegFile::open(std::string& error) {
     if (!learnFormat(error)) {
         return false;
     }
-    measure(*index_);
+    const auto sound = MpegInfoTag::soundIn(index_->tag(), index_->count(), packetFrames_);
+    origin_ = sound.origin;
+    length_ = sound.length;
     return true;
 }
 
@@ -66,28 +104,8 @@ bool MpegFile::learnFormat(std::string& error) {
     return true;
 }
 
-// An info tag counts the frames that the encoder wrote. Where there are fewer the file is cut and
-// its end lacks the padding; a few more are what the encoder forgot to count; many more are other
-// streams behind this one.
-void MpegFile::measure(const MpegIndex& index) {
-    constexpr int64_t kUncounted = 2;
-    const int64_t decoded = index.count() * packetFrames_;
-    int64_t end = decoded;
-    if (index.tag() && index.tag()->knowsDelay()) {
-        const MpegInfoTag& tag = *index.tag();
-        origin_ = tag.delay + MpegInfoTag::kDecoderDelay;
-        if (tag.count > 0 && index.count() >= tag.count &&
-            index.count() <= tag.count + kUncounted) {
-            const int64_t padding = tag.padding - MpegInfoTag::kDecoderDelay;
-            end = std::min(decoded, tag.count * packetFrames_ - padding);
-        }
-    }
-    length_ = std::max<int64_t>(0, end - origin_);
-}
-
 double MpegFile::dataRate() const {
-    const auto frames = static_cast<double>(index_->count() * packetFrames_);
-    return 8.0 * static_cast<double>(index_->bytes()) * format_.sampleRate / frames;
+    return dataRateOf(index_->bytes(), index_->count() * packetFrames_, format_.sampleRate);
 }
 
 bool MpegFile::seek(int64_t frame) {

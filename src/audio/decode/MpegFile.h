@@ -10,10 +10,13 @@
 namespace quorel {
 
 OpenedAudioFile openMpeg(AudioSource source);
+/// By the first frame where its info tag proves true, else by an index; nothing for ADTS.
+std::optional<AudioProperties> measureMpeg(const AudioSource& source);
 
 /// MPEG audio and AAC in ADTS. They have no head to be told by, only frames that follow each other,
 /// so this reader claims whatever the others left and looks for them.
-inline constexpr AudioReader kMpegReader{[](std::span<const std::byte>) { return true; }, openMpeg};
+inline constexpr AudioReader kMpegReader{[](std::span<const std::byte>) { return true; }, openMpeg,
+                                         measureMpeg};
 
 /// A file of MPEG audio layer 1 to 3 or AAC in ADTS.
 ///
@@ -35,7 +38,6 @@ class MpegFile : public AudioFile {
 
   private:
     bool learnFormat(std::string& error);
-    void measure(const MpegIndex& index);
     bool goToPosition();
     bool decodeNext();
     int64_t deliver(float* out, int64_t frames);

@@ -324,7 +324,8 @@ TEST(MpegInfoTag, ReadsWhatEncodersSay) {
         {"Info" + std::string("\0\0\0\1", 4) + count + "Other" + lame.substr(5),
          MpegInfoTag{287, 0, 0}},
         {"Xing" + std::string("\0\0\0\0", 4) + lame, MpegInfoTag{0, 576, 1336}},
-        {"VBRI" + std::string("\0\1\x0D\xB1\0\x4B\0\1\2\3", 10) + count, MpegInfoTag{287, 0, 0}},
+        {"VBRI" + std::string("\0\1\x0D\xB1\0\x4B\0\1\2\3", 10) + count,
+         MpegInfoTag{287, 0, 0, 0x10203}},
         {"Xyng" + lame, std::nullopt},
     };
     for (const auto& expected : cases) {
@@ -337,6 +338,7 @@ TEST(MpegInfoTag, ReadsWhatEncodersSay) {
             EXPECT_EQ(tag->count, expected.tag->count);
             EXPECT_EQ(tag->delay, expected.tag->delay);
             EXPECT_EQ(tag->padding, expected.tag->padding);
+            EXPECT_EQ(tag->bytes, expected.tag->bytes);
         }
     }
 }

@@ -1,0 +1,372 @@
+#include "media/tags/ID3Writer.h"
+
+#include "Id3Builder.h"
+#include "media/tags/MetadataReader.h"
+#include "model/Path.h"
+#include "support/AudioFixtures.h"
+#include "support/ChildProcess.h"
+#include "support/Mutation.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mpegfile.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <functional>
+#include <sstream>
+
+namespace quorel::test {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Tags = ID3Writer::Tags;
+
+int write(const std::string& path, const Tags& tags) {
+    const auto error = ID3Writer::writeTags(pathFromBytes(QByteArrayView(path)), tags);
+    return error ? error->code : 0;
+}
+
+Tags titled(const char* title) {
+    Tags tags;
+    tags.title = QString::fromUtf8(title);
+    return tags;
+}
+
+Tags allTags() {
+    Tags tags = titled("Заголовок 🎵");
+    tags.artist = QStringLiteral("Artist / Other");
+    tags.album = QStringLiteral(" blank ");
+    tags.albumArtist = QStringLiteral("Various");
+    tags.genre = QStringLiteral("(17)");
+    tags.year = QStringLiteral("1999");
+    tags.trackNumber = 7;
+    tags.trackTotal = 12;
+    tags.discNumber = 2;
+    tags.composer = QStringLiteral("Компо́зитор");
+    tags.comment = QStringLiteral("two\nlines");
+    return tags;
+}
+
+std::string bytesOf(const Tags& tags) {
+    return ID3Writer::tagBytes(tags).toStdString();
+}
+
+std::string fromHex(const char* hex) {
+    return QByteArray::fromHex(hex).toStdString();
+}
+
+std::vector<std::string> namesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST(ID3Writer, LaysTagsOutByteForByte) {
+    Tags numbers;
+    numbers.trackNumber = 3;
+    numbers.trackTotal = 10;
+    numbers.discNumber = -1;
+    Tags totals;
+    totals.trackTotal = 10;
+    totals.discTotal = 2;
+    Tags comment;
+    comment.comment = QStringLiteral("é");
+    Tags every;
+    every.title = every.artist = every.album = every.albumArtist = every.genre = every.year =
+        every.composer = every.comment = QStringLiteral("x");
+    every.trackNumber = every.discNumber = 5;
+    const struct {
+        const char* what;
+        Tags tags;
+        std::string bytes;
+    } cases[] = {
+        {"nothing", {}, fromHex("494433 03 00 00 00000000")},
+        {"a title", titled("Ab"),
+         fromHex("494433 03 00 00 00000011 54495432 00000007 0000 01 FFFE 4100 6200")},
+        {"a blank title", titled(" "),
+         fromHex("494433 030000 0000000F 54495432 00000005 0000 01FFFE 2000")},
+        {"numbers", numbers,
+         fromHex("494433 030000 00000026 5452434B 0000000B 0000 01FFFE 3300 2F00 3100 3000"
+                 "54504F53 00000007 0000 01FFFE 2D00 3100")},
+        {"totals without numbers", totals, fromHex("494433 030000 00000000")},
+        {"a comment", comment,
+         fromHex("494433 030000 00000016 434F4D4D 0000000C 0000 01 656E67 FFFE 0000 FFFE E900")},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(bytesOf(c.tags), c.bytes) << c.what;
+    }
+    std::string order;
+    const std::string bytes = bytesOf(every);
+    for (std::size_t at = 10; at < bytes.size();
+         at += 10 + static_cast<unsigned char>(bytes[at + 7])) {
+        order += bytes.substr(at, 4) + " ";
+    }
+    EXPECT_EQ(order, "TIT2 TPE1 TALB TPE2 TCON TYER TCOM COMM TRCK TPOS ");
+    const std::string large = bytesOf(titled(std::string(100'000, 'x').c_str()));
+    EXPECT_EQ(large.substr(6, 12), syncsafe(200'013) + "TIT2" + bigEndian(200'003, 4));
+}
+
+TEST(ID3Writer, ReplacesTheOldTagAlone) {
+    const std::string audio =
+        "\xFF\xFB\x90\x64"s + std::string(3000, 'a') + "TAG" + std::string(125, 'v');
+    const std::string nothing;
+    const struct {
+        const char* what;
+        std::string file;
+        std::string kept; // behind the new tag
+        bool orig = false;
+    } cases[] = {
+        {"no tag", audio, audio},
+        {"an empty file", nothing, nothing},
+        {"137 bytes", "ID3\3\0\0\0\0\0\x7F"s + std::string(127, 't') + audio, audio},
+        {"147 with a footer", "ID3\4\0\x10\0\0\0\x7F"s + std::string(137, 't') + audio, audio},
+        {"version 2.2", id3Tag(2, std::string(300, 't')) + audio, audio},
+        {"bits that sizes do not have", "ID3\3\0\0\x80\x80\x80\x85"s + "ttttt" + audio, audio},
+        {"ten bytes", "ID3\3\0\0\0\0\0\0"s, "ID3\3\0\0\0\0\0\0"s},
+        {"eleven bytes", "ID3\3\0\0\0\0\0\0a"s, "a"},
+        {"all of it", id3Tag(3, std::string(50, 't')), nothing},
+        {"more than all of it", id3Tag(3, audio, 0, 3200), nothing, true},
+        {"as good as endless", "ID3\3\0\0\x7F\x7F\x7F\x7F"s + audio, nothing, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TemporaryFolder folder;
+        const std::string path = folder.write("song.mp3", c.file);
+        EXPECT_EQ(write(path, titled("New")), 0);
+        EXPECT_EQ(readFile(path), bytesOf(titled("New")) + c.kept);
+        const std::vector<std::string> names = namesIn(folder.path(""));
+        EXPECT_EQ(names.size(), c.orig ? 2U : 1U);
+        if (c.orig) {
+            EXPECT_EQ(readFile(path + ".orig"), c.file);
+            folder.write("song.mp3", c.file + "another");
+            EXPECT_EQ(write(path, {}), 0);
+            EXPECT_EQ(readFile(path + ".orig"), c.file);
+            EXPECT_EQ(readFile(path + ".orig.2"), c.file + "another");
+        }
+    }
+}
+
+TEST(ID3Writer, OthersReadWhatIsWritten) {
+    const TemporaryFolder folder;
+    const std::string wav = folder.write("in.wav", wavBytes(TestSound(44100, 2, 16)));
+    const std::string path = folder.path("song.mp3");
+    if (!runTool({"lame", "--quiet", "--tt", "Old", "--tg", "Rock", wav, path})) {
+        GTEST_SKIP() << "lame is not installed";
+    }
+    const TrackMetadata old = MetadataReader::read(pathFromBytes(path.c_str()));
+    EXPECT_EQ(old.title, QStringLiteral("Old"));
+    const Tags tags = allTags();
+    ASSERT_EQ(write(path, tags), 0);
+
+    TrackMetadata expected;
+    expected.title = tags.title;
+    expected.artist = tags.artist;
+    expected.album = tags.album;
+    expected.albumArtist = tags.albumArtist;
+    expected.genre = tags.genre;
+    expected.year = tags.year;
+    expected.trackNumber = 7;
+    expected.trackTotal = 12;
+    expected.discNumber = 2;
+    expected.composer = tags.composer;
+    expected.comment = tags.comment;
+    expected.duration = old.duration;
+    expected.sampleRateHz = old.sampleRateHz;
+    expected.bitrateKbps = old.bitrateKbps;
+    EXPECT_EQ(MetadataReader::read(pathFromBytes(path.c_str())), expected);
+
+    TagLib::MPEG::File file(path.c_str(), false);
+    const auto* tag = file.ID3v2Tag();
+    const auto text = [](const TagLib::String& string) { return string.to8Bit(true); };
+    EXPECT_EQ(text(tag->title()), tags.title.toStdString());
+    EXPECT_EQ(text(tag->comment()), "two\nlines");
+    EXPECT_EQ(tag->track(), 7U);
+    for (const auto& [id, value] : {std::pair{"TPE1", tags.artist},
+                                    {"TALB", tags.album},
+                                    {"TPE2", tags.albumArtist},
+                                    {"TCOM", tags.composer},
+                                    {"TPOS", QStringLiteral("2")},
+                                    {"TRCK", QStringLiteral("7/12")}}) {
+        const auto& frames = tag->frameList(id);
+        ASSERT_EQ(frames.size(), 1U) << id;
+        EXPECT_EQ(text(frames.front()->toString()), value.toStdString());
+    }
+
+    const std::string probed = folder.path("probed");
+    const int output = ::open(probed.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const int status = ChildProcess({"ffprobe", "-v", "error", "-show_entries", "format_tags",
+                                     "-of", "default=nw=1", path},
+                                    folder.path("log"), output)
+                           .wait();
+    ::close(output);
+    EXPECT_EQ(status, 0) << "ffprobe is not installed";
+    EXPECT_EQ(readFile(folder.path("log")), ""); // it complains of nothing
+    const std::string found = readFile(probed);
+    for (const char* line :
+         {"TAG:title=Заголовок 🎵\n", "TAG:artist=Artist / Other\n", "TAG:album= blank \n",
+          "TAG:album_artist=Various\n", "TAG:date=1999\n", "TAG:composer=Компо́зитор\n",
+          "TAG:comment=two\nlines\n", "TAG:track=7/12\n", "TAG:disc=2\n"}) {
+        EXPECT_NE(found.find(line), std::string::npos) << line << "in\n" << found;
+    }
+}
+
+TEST(ID3Writer, GoesByTheName) {
+    const TemporaryFolder folder;
+    for (const auto& [name, code] : {std::pair{"Song.MP3", 0},
+                                     {"so.ng.mP3", 0},
+                                     {"song.flac", 10},
+                                     {"song.mp3.bak", 10},
+                                     {"mp3", 10},
+                                     {".mp3", 10}}) {
+        const std::string path = folder.write(name, "audio");
+        const auto error = ID3Writer::writeTags(pathFromBytes(path.c_str()), titled("T"));
+        EXPECT_EQ(error ? error->code : 0, code) << name;
+        EXPECT_EQ(readFile(path), (code == 0 ? bytesOf(titled("T")) : "") + "audio") << name;
+        if (error) {
+            EXPECT_EQ(error->domain, QStringLiteral("Quorel"));
+            EXPECT_EQ(error->description,
+                      QStringLiteral("Tag writing is supported for MP3 files only"));
+        }
+    }
+}
+
+TEST(ID3Writer, KeepsLinksPermissionsAndOwner) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder.path("music"));
+    const std::string file = folder.write("music/a\xFFsong.mp3", "audio");
+    const std::string link = folder.path("link.mp3");
+    fs::create_symlink("again", link);
+    fs::create_symlink("music/a\xFFsong.mp3", folder.path("again"));
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    const bool superuser = ::geteuid() == 0;
+    if (superuser) {
+        ASSERT_EQ(::chown(file.c_str(), 1234, 2345), 0);
+    }
+    ASSERT_EQ(write(link, titled("T")), 0);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(readFile(file), bytesOf(titled("T")) + "audio");
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640U);
+    EXPECT_EQ(status.st_uid, superuser ? 1234U : ::geteuid());
+    EXPECT_EQ(status.st_gid, superuser ? 2345U : status.st_gid);
+    EXPECT_EQ(namesIn(folder.path("")), (std::vector<std::string>{"again", "link.mp3", "music"}));
+    EXPECT_EQ(namesIn(folder.path("music")).size(), 1U);
+}
+
+// The error number of `work` done by a user without privileges, in a process of its own.
+int asNobody(const std::function<int()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool superuser = ::geteuid() == 0;
+        if (superuser &&
+            (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+            ::_exit(255);
+        }
+        ::_exit(work());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int withFileLimit(rlim_t bytes, const std::function<int()>& work) {
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{bytes, before.rlim_max};
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    const int result = work();
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    return result;
+}
+
+TEST(ID3Writer, FailuresLeaveTheFileAsItWas) {
+    const std::string bytes = id3Tag(3, frame3("TIT2", "\0Old"s)) + std::string(300'000, 'a');
+    const std::string cut = id3Tag(3, std::string(300'000, 'a'), 0, 400'000);
+    const struct {
+        const char* what;
+        mode_t file;
+        mode_t folder;
+        int error;
+        std::function<int(const std::string&)> attempt;
+        std::string content;
+        std::size_t left = 1; // files in the folder
+    } cases[] = {
+        {"a read-only file, for the superuser too", 0444, 0755, EACCES,
+         [](const auto& path) { return write(path, titled("T")); }, bytes},
+        {"a file of somebody else's", 0644, 0777, EACCES,
+         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); },
+         bytes},
+        {"a folder of somebody else's", 0666, 0755, EACCES,
+         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); },
+         bytes},
+        // Here everyone may write and add files, but not remove others'.
+        {"a file that cannot be replaced", 0666, 01777, EPERM,
+         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); }, bytes,
+         2},
+        // Nor can the second name of the file be removed that it was to be kept by.
+        {"the same, with all sound in the tag", 0666, 01777, EPERM,
+         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); }, cut,
+         3},
+        {"no room for the sound", 0644, 0755, EFBIG,
+         [](const auto& path) {
+             return withFileLimit(100'000, [&] { return write(path, titled("T")); });
+         },
+         bytes},
+        {"no room for the tag", 0644, 0755, EFBIG,
+         [](const auto& path) {
+             return withFileLimit(5, [&] { return write(path, titled("T")); });
+         },
+         bytes},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        if (::geteuid() != 0 && c.error != EFBIG && c.file != 0444) {
+            continue; // somebody else is needed
+        }
+        const TemporaryFolder folder;
+        ASSERT_EQ(::chmod(folder.path("").c_str(), 0755), 0);
+        fs::create_directory(folder.path("music"));
+        const std::string path = folder.write("music/song.mp3", c.content);
+        ASSERT_EQ(::chmod(path.c_str(), c.file), 0);
+        ASSERT_EQ(::chmod(folder.path("music").c_str(), c.folder), 0);
+        EXPECT_EQ(c.attempt(path), c.error);
+        EXPECT_EQ(readFile(path), c.content);
+        EXPECT_EQ(namesIn(folder.path("music")).size(), c.left);
+    }
+    const TemporaryFolder folder;
+    fs::create_directory(folder.path("folder.mp3"));
+    EXPECT_EQ(write(folder.path("folder.mp3"), {}), EISDIR);
+    EXPECT_EQ(write(folder.path("none.mp3"), {}), ENOENT);
+    const auto error = ID3Writer::writeTags(pathFromBytes(folder.path("none.mp3").c_str()), {});
+    EXPECT_EQ(error->description, QStringLiteral("No such file or directory"));
+    EXPECT_EQ(error->domain, QStringLiteral("POSIX"));
+}
+
+TEST(ID3Writer, LargeFilesPassThroughLittleMemory) {
+    constexpr off_t kBytes = 80 << 20;
+    const TemporaryFolder folder;
+    const std::string path = folder.write("song.mp3", "\xFF\xFB");
+    ASSERT_EQ(::truncate(path.c_str(), kBytes), 0);
+    const int64_t before = peakMemory();
+    ASSERT_EQ(write(path, titled("T")), 0);
+    EXPECT_LT(peakMemory() - before, 16 << 20);
+    EXPECT_EQ(fs::file_size(path), kBytes + bytesOf(titled("T")).size());
+}
+
+} // namespace
+
+} // namespace quorel::test
