@@ -16,7 +16,7 @@ SOURCE_ENDINGS = (".h", ".cpp")
 # Written so that this file does not hold what it looks for.
 LEFTOVERS = {re.compile(r"(?<![\w.])/(wor[k]|roo[t])/"): "a path of one machine",
              re.compile(r"^(<{7}|>{7}|\|{7}) "): "a merge conflict"}
-SKIPPED_FOLDERS = {".git", ".cache", "build", "__pycache__"}
+SKIPPED = {".git", ".cache", "build", "__pycache__"}
 
 
 class Table:
@@ -85,10 +85,10 @@ def fault(table, root, path, bracket, header):
 def textFiles(root):
     """(path below root, lines) of every text file."""
     for folder, folders, files in os.walk(root):
-        folders[:] = sorted(name for name in folders if name not in SKIPPED_FOLDERS)
+        folders[:] = sorted(name for name in folders if name not in SKIPPED)
         for name in sorted(files):
             path = os.path.join(folder, name)
-            if not os.path.isfile(path):
+            if name in SKIPPED or not os.path.isfile(path):
                 continue
             with open(path, "rb") as file:
                 data = file.read()

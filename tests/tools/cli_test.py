@@ -113,7 +113,7 @@ class Usage(Case):
         (["render", "-o", "out.wav", "--rate", "7999", "a.wav"], "7999"),
         (["render", "-o", "out.wav", "--rate=44100Hz", "a.wav"], "44100Hz"),
         (["render", "-o", "out.wav", "--gapless", "maybe", "a.wav"], "maybe"),
-        (["analyze", "--no-bpm"], "nothing to analyze"),
+        (["analyze", "--no-bpm"], "no FILES... given"),
         (["analyze", "--trim-threshold", "nan", "a.wav"], "nan"),
         (["analyze", "--trim-max", "5s", "a.wav"], "5s"),
         (["analyze", "--trim-max", "-1", "a.wav"], "-1"),
@@ -375,7 +375,7 @@ class Analyze(Case):
         self.assertAlmostEqual(first["bpm"], 125, delta=2)
         self.assertNotEqual(first["bpm"], round(first["bpm"]))
         self.assertIsNone(second["bpm"])
-        self.assertEqual(second["metadata"], {"bitrateKbps": 1411, "duration": 1.5,
+        self.assertEqual(second["metadata"], {"bitrateKbps": 2822, "duration": 1.5,
                                               "sampleRateHz": self.RATE})
         self.assertEqual(second["trim"], {"start": 0, "end": 1.5})
         self.assertAlmostEqual(second["levels"]["peak"], np.abs(noise).max(), places=6)
@@ -399,7 +399,7 @@ class Analyze(Case):
         for report, path in [(gone, self.path("none.wav")), (none, noise)]:
             self.assertEqual(sorted(report), ["error", "path"])
             self.assertIn(f"quorel-cli: {path}: {report['error']}\n", errors)
-        self.assertEqual(sorted(fine), ["bpm", "levels", "path", "trim"])
+        self.assertEqual(sorted(fine), ["bpm", "levels", "metadata", "path", "trim"])
         (report,), _ = self.analyze(empty)
         self.assertEqual(report, {"path": empty, "trim": {"start": 0, "end": 0}, "bpm": None})
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <limits>
 
 namespace quorel::test {
@@ -117,6 +118,33 @@ TEST(Tempo, ofSteadyPulses) {
             ASSERT_TRUE(tempo) << bpm << " at " << rate;
             EXPECT_NEAR(*tempo, told, 0.02 * told) << bpm << " at " << rate;
         }
+    }
+}
+
+TEST(Tempo, ofKnownRecordings) {
+    const std::filesystem::path corpus =
+        std::filesystem::path(QUOREL_SOURCE_DIR) / ".." / "shared" / "corpus";
+    if (!std::filesystem::exists(corpus)) {
+        GTEST_SKIP() << "no corpus beside the project";
+    }
+    const struct {
+        const char* path;
+        double bpm;
+    } cases[] = {
+        {"worldwidejimmy+tonescope/public/audio/metronome_120bpm.mp3", 120},
+        {"worldwidejimmy+tonescope/public/audio/metronome_120bpm_accent.mp3", 120},
+        {"sonic-pi-net+sonic-pi/etc/samples/arovane_beat_a.flac", 130},
+        {"worldwidejimmy+tonescope/public/audio/Backbeat.mp3", 130},
+        {"worldwidejimmy+tonescope/public/audio/BassForGambling.mp3", 120.75},
+        {"worldwidejimmy+tonescope/public/audio/DowntownBoogie.mp3", 105},
+    };
+    for (const auto& [path, bpm] : cases) {
+        const auto file = AudioFile::open((corpus / path).string()).file;
+        ASSERT_TRUE(file) << path;
+        const auto tempo = detectBPM(*file);
+        ASSERT_TRUE(tempo) << path;
+        const double lag = 60.0 * file->sampleRate() / 1024 / bpm; // a whole number is looked for
+        EXPECT_NEAR(*tempo, bpm, bpm * 0.5 / (lag - 0.5)) << path;
     }
 }
 
