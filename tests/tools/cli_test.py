@@ -401,7 +401,9 @@ class Analyze(Case):
             self.assertIn(f"quorel-cli: {path}: {report['error']}\n", errors)
         self.assertEqual(sorted(fine), ["bpm", "levels", "metadata", "path", "trim"])
         (report,), _ = self.analyze(empty)
-        self.assertEqual(report, {"path": empty, "trim": {"start": 0, "end": 0}, "bpm": None})
+        self.assertEqual(report, {"path": empty, "trim": {"start": 0, "end": 0}, "bpm": None,
+                                  "metadata": {"bitrateKbps": 2822, "duration": 0,
+                                               "sampleRateHz": self.RATE}})
 
 
 class Paths(Case):
