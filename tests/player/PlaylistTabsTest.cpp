@@ -1,0 +1,141 @@
+#include "player/PlaylistTabs.h"
+
+#include "player/MadeList.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorel;
+
+namespace {
+
+PlaylistTabs tabsOf(std::string_view names) {
+    QList<Playlist> playlists;
+    for (const char name : names)
+        playlists += Playlist::named(QChar::fromLatin1(name));
+    return {playlists, std::nullopt};
+}
+
+std::string namesOf(const PlaylistTabs& tabs) {
+    std::string names;
+    for (const Playlist& playlist : tabs.records())
+        names += playlist.name.toStdString();
+    return names;
+}
+
+} // namespace
+
+TEST(PlaylistTabs, areNeverEmpty) {
+    PlaylistTabs tabs({}, QUuid::createUuid());
+    ASSERT_EQ(namesOf(tabs), "Playlist 1");
+    EXPECT_EQ(tabs.activeId(), tabs.at(0).id());
+    tabs.active().insert(0, test::tracksOf("AB"));
+    const QUuid old = tabs.activeId();
+    ASSERT_TRUE(tabs.close(old));
+    EXPECT_EQ(namesOf(tabs), "Playlist 1");
+    EXPECT_NE(tabs.activeId(), old);
+    EXPECT_TRUE(tabs.active().isEmpty());
+    EXPECT_EQ(tabs.placeholder(), tabs.activeId());
+
+    tabs.create(QStringLiteral("New"));
+    EXPECT_TRUE(tabs.undoClose());
+    EXPECT_EQ(namesOf(tabs), "Playlist 1New") << "the placeholder gives way";
+    EXPECT_EQ(tabs.activeId(), old);
+    EXPECT_EQ(test::lettersOf(tabs.active()), "AB");
+    EXPECT_TRUE(tabs.active().contains(test::idOf('B')));
+    EXPECT_FALSE(tabs.undoClose());
+    EXPECT_FALSE(tabs.placeholder());
+
+    tabs.close(tabs.at(1).id());
+    tabs.close(old);
+    tabs.active().insert(0, test::tracksOf("C"));
+    EXPECT_TRUE(tabs.undoClose());
+    EXPECT_EQ(tabs.size(), 2) << "what was put into the placeholder stays";
+    EXPECT_EQ(test::lettersOf(tabs.at(1)), "C");
+}
+
+TEST(PlaylistTabs, moveAndShift) {
+    struct Case {
+        qsizetype from, to;
+        std::string moved;
+        std::string shifted; ///< by as much; empty where it cannot be
+    };
+    constexpr qsizetype kFar = std::numeric_limits<qsizetype>::max();
+    const Case kCases[] = {
+        {0, 2, "BCAD", "CBAD"}, {3, 1, "ADBC", "ADCB"}, {1, 99, "ACDB", ""},
+        {2, -5, "CABD", ""},    {2, 2, "ABCD", "ABCD"}, {3, 2, "ABDC", "ABDC"},
+        {1, kFar, "ACDB", ""},  {1, -kFar, "BACD", ""},
+    };
+    for (const Case& c : kCases) {
+        PlaylistTabs tabs = tabsOf("ABCD");
+        const QUuid id = tabs.at(c.from).id();
+        EXPECT_EQ(tabs.move(id, c.to), c.moved != "ABCD");
+        EXPECT_EQ(namesOf(tabs), c.moved);
+
+        tabs = tabsOf("ABCD");
+        const QUuid other = tabs.at(c.from).id();
+        const qsizetype by = c.to == kFar ? kFar : c.to - c.from;
+        EXPECT_EQ(tabs.canShift(other, by), !c.shifted.empty());
+        EXPECT_EQ(tabs.shift(other, by), !c.shifted.empty() && c.shifted != "ABCD");
+        EXPECT_EQ(namesOf(tabs), c.shifted.empty() ? "ABCD" : c.shifted);
+    }
+    PlaylistTabs tabs = tabsOf("AB");
+    const QUuid unknown = QUuid::createUuid();
+    EXPECT_FALSE(tabs.move(unknown, 0) || tabs.canShift(unknown, 0) || tabs.close(unknown) ||
+                 tabs.rename(unknown, QStringLiteral("X")) || tabs.activate(unknown));
+}
+
+TEST(PlaylistTabs, undoTenClosings) {
+    PlaylistTabs tabs = tabsOf("ABCDEFGHIJKLM");
+    tabs.activate(tabs.at(12).id());
+    for (int i = 0; i < 11; ++i)
+        tabs.close(tabs.at(1).id());
+    EXPECT_EQ(namesOf(tabs), "AM");
+    EXPECT_EQ(tabs.active().name(), QStringLiteral("M"));
+    EXPECT_EQ(tabs.newestClosed()->name, QStringLiteral("L"));
+    tabs.close(tabs.activeId());
+    EXPECT_EQ(tabs.active().name(), QStringLiteral("A")) << "the first tab is shown";
+    int undone = 0;
+    while (tabs.undoClose())
+        ++undone;
+    EXPECT_EQ(undone, 10);
+    EXPECT_EQ(namesOf(tabs), "ADEFGHIJKLM");
+    EXPECT_EQ(tabs.active().name(), QStringLiteral("D"));
+    EXPECT_EQ(tabs.newestClosed(), nullptr);
+
+    tabs.close(tabs.at(10).id());
+    while (tabs.size() > 3)
+        tabs.close(tabs.at(0).id());
+    for (int i = 0; i < 8; ++i)
+        tabs.undoClose();
+    EXPECT_EQ(namesOf(tabs).back(), 'M') << "beyond the end means at the end";
+}
+
+TEST(PlaylistTabs, undoTwentyRenamings) {
+    PlaylistTabs tabs = tabsOf("AB");
+    const QUuid id = tabs.at(0).id();
+    EXPECT_FALSE(tabs.rename(id, QStringLiteral(" \t ")));
+    EXPECT_EQ(tabs.newestRename(), nullptr);
+    for (int i = 1; i <= 21; ++i)
+        EXPECT_TRUE(tabs.rename(id, QStringLiteral("\t %1 ").arg(i)));
+    EXPECT_EQ(tabs.at(0).name(), QStringLiteral("21"));
+    EXPECT_EQ(tabs.newestRename()->previousName, QStringLiteral("20"));
+    tabs.rename(tabs.at(1).id(), QStringLiteral("gone"));
+    tabs.close(tabs.at(1).id());
+    EXPECT_FALSE(tabs.undoRename()) << "of a closed tab";
+    int undone = 0;
+    while (tabs.undoRename())
+        ++undone;
+    EXPECT_EQ(undone, 19);
+    EXPECT_EQ(tabs.at(0).name(), QStringLiteral("2"));
+}
+
+TEST(PlaylistTabs, newOnesAreNamedByTheirNumberAndShown) {
+    PlaylistTabs tabs = tabsOf("AB");
+    EXPECT_EQ(tabs.nextName(), QStringLiteral("Playlist 3"));
+    const QUuid id = tabs.create(tabs.nextName(), test::tracksOf("XY"));
+    EXPECT_EQ(namesOf(tabs), "ABPlaylist 3");
+    EXPECT_EQ(tabs.activeId(), id);
+    EXPECT_EQ(tabs.active().rowOf(test::idOf('Y')), 1);
+    tabs.close(tabs.at(0).id());
+    EXPECT_EQ(tabs.nextName(), QStringLiteral("Playlist 3")) << "names may occur twice";
+}

@@ -1,0 +1,314 @@
+#include "player/MadeList.h"
+#include "player/TransportPlanner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+
+using namespace quorel;
+using namespace quorel::test;
+
+namespace {
+
+using Mode = PlaybackMode;
+
+ShuffleOrder seededOrder(quint64 seed) {
+    return ShuffleOrder([random = std::mt19937_64(seed)]() mutable { return random(); });
+}
+
+std::optional<QUuid> maybeId(char letter) {
+    return letter == '-' ? std::nullopt : std::optional(idOf(letter));
+}
+
+/// The letter of the track to be played, '!' to stop, '<' to seek to the start, '-' for nothing.
+char codeOf(const TransportStep& step) {
+    using Action = TransportStep::Action;
+    if (step.action == Action::Play)
+        return letterOf(step.track);
+    return step.action == Action::Stop ? '!' : step.action == Action::SeekToStart ? '<' : '-';
+}
+
+/// Goes on from the cursor until a track plays that is not missing; the letters tried, then '!' for
+/// a stop.
+std::string tryUntilOnePlays(const TrackList& list, ShuffleOrder& order, Mode mode, bool shuffle,
+                             char cursor, std::string_view missing) {
+    IdSet failed;
+    std::string tried;
+    while (true) {
+        const TransportContext context{mode, shuffle, &list, maybeId(cursor),
+                                       {},   {},      order, failed};
+        const TransportStep step = planNext(context, true);
+        if (step.action != TransportStep::Action::Play)
+            return tried + '!';
+        if (step.order == TransportStep::Order::Takes)
+            order.take(step.track, list, context.cursor);
+        cursor = letterOf(step.track);
+        tried += cursor;
+        if (missing.find(cursor) == std::string_view::npos)
+            return tried;
+        if (!failed.insert(step.track))
+            return tried + " twice";
+    }
+}
+
+} // namespace
+
+TEST(TransportPlanner, nextInListOrder) {
+    struct Case {
+        std::string_view list;
+        char cursor;
+        std::string automatic; ///< in the order of the modes
+        std::string byUser;
+        char planned = '-';
+        std::optional<qsizetype> orphanNext = {};
+    };
+    const Case kCases[] = {
+        {"ABC", 'A', "B!AB", "BBBB"},         {"ABC", 'C', "!!CA", "!!!A"},
+        {"A", 'A', "!!AA", "!!!A"},           {"", 'A', "!!!!", "!!!!"},
+        {"ABC", '-', "A!AA", "AAAA"},         {"ABC", 'A', "C!AC", "CCCC", 'C'},
+        {"ABC", 'A', "B!AB", "BBBB", 'X'},    {"ABC", 'X', "B!BB", "BBBB", '-', 1},
+        {"ABC", 'X', "!!!A", "!!!A", '-', 3}, {"ABC", 'A', "B!AB", "BBBB", '-', 0},
+    };
+    const ShuffleOrder order = seededOrder(1);
+    const IdSet none;
+    for (const Case& c : kCases) {
+        const TrackList list = listOf(c.list);
+        std::string automatic;
+        std::string byUser;
+        for (const Mode mode : kAllCases<Mode>) {
+            const TransportContext context{
+                mode,         false, &list, maybeId(c.cursor), maybeId(c.planned),
+                c.orphanNext, order, none};
+            automatic += codeOf(planNext(context, true));
+            byUser += codeOf(planNext(context, false));
+            const char following = letterOf(planFollowing(context));
+            EXPECT_TRUE(c.planned == 'C' ||
+                        automatic.back() == (following == '-' ? '!' : following));
+        }
+        EXPECT_EQ(automatic, c.automatic) << "case " << &c - kCases;
+        EXPECT_EQ(byUser, c.byUser) << "case " << &c - kCases;
+    }
+    EXPECT_EQ(codeOf(planNext({.order = order, .failed = none}, true)), '-');
+}
+
+TEST(TransportPlanner, previous) {
+    struct Case {
+        std::string_view list;
+        char cursor;
+        double position;
+        char expected;
+        char shuffled; ///< the order begins with A and, where `taken`, goes on with that
+        char taken = '-';
+        std::optional<qsizetype> orphanNext = {};
+    };
+    const Case kCases[] = {
+        {"ABC", 'B', 4.5, '<', '<', 'B'},  {"ABC", 'B', 4.0, 'A', 'A', 'B'},
+        {"ABC", 'C', 3.9, 'B', 'A', 'C'},  {"ABC", 'A', 3.9, 'A', 'A'},
+        {"", 'A', 3.9, '!', '!'},          {"ABC", '-', 0, 'A', '-'},
+        {"ABC", 'X', 1, 'B', '<', '-', 2}, {"ABC", 'X', 1, 'A', '<', '-', 0},
+        {"ABC", 'X', 1, 'C', '<', '-', 9},
+    };
+    const IdSet none;
+    for (const Case& c : kCases) {
+        const TrackList list = listOf(c.list);
+        ShuffleOrder order = seededOrder(7);
+        order.start(list, idOf('A'));
+        if (c.taken != '-')
+            order.take(idOf(c.taken), list, idOf('A'));
+        for (const bool shuffle : {false, true}) {
+            const TransportContext context{Mode::All, shuffle,      &list, maybeId(c.cursor),
+                                           {},        c.orphanNext, order, none};
+            EXPECT_EQ(codeOf(planPrevious(context, c.position)), shuffle ? c.shuffled : c.expected)
+                << "case " << &c - kCases;
+        }
+    }
+}
+
+TEST(TransportPlanner, passesOverWhatCannotBePlayed) {
+    struct Case {
+        Mode mode;
+        char cursor;
+        std::string_view missing;
+        std::string tried;
+    };
+    const Case kCases[] = {
+        {Mode::Normal, 'A', "BC", "BCD"},  {Mode::Normal, 'A', "BCD", "BCD!"},
+        {Mode::StopAfter, 'A', "B", "!"},  {Mode::One, 'B', "B", "BC"},
+        {Mode::One, 'B', "BCD", "BCD!"},   {Mode::All, 'C', "DAB", "DABC"},
+        {Mode::All, 'C', "ABCD", "DABC!"}, {Mode::All, 'D', "ABCD", "ABCD!"},
+    };
+    for (const Case& c : kCases) {
+        const TrackList list = listOf("ABCD");
+        ShuffleOrder order = seededOrder(1);
+        EXPECT_EQ(tryUntilOnePlays(list, order, c.mode, false, c.cursor, c.missing), c.tried);
+    }
+    for (quint64 seed = 0; seed < 200; ++seed)
+        for (const Mode mode : kAllCases<Mode>) {
+            const TrackList list = listOf("ABCDE");
+            ShuffleOrder order = seededOrder(seed);
+            order.start(list, idOf('A'));
+            std::string tried = tryUntilOnePlays(list, order, mode, true, 'A', "ABCDE");
+            std::ranges::sort(tried);
+            const std::string kAll[] = {"!BCDE", "!", "!ABCDE", "!ABCDE"};
+            EXPECT_EQ(tried, kAll[static_cast<std::size_t>(mode)]);
+            tried = tryUntilOnePlays(list, order, Mode::All, true, 'A', "ABDE");
+            EXPECT_EQ(tried.back(), 'C') << tried;
+        }
+}
+
+TEST(TransportPlanner, playButton) {
+    const TrackList list = listOf("AB");
+    const TrackList empty = listOf("");
+    const auto pressed = [](const TrackList& shown, char selected, char playing) {
+        return letterOf(planPlayButton(shown, maybeId(selected), maybeId(playing), playing != '-'));
+    };
+    EXPECT_EQ(pressed(list, 'B', 'A'), 'B');
+    EXPECT_EQ(pressed(list, 'A', 'A'), '-');
+    EXPECT_EQ(pressed(list, 'X', 'A'), '-');
+    EXPECT_EQ(pressed(list, 'X', '-'), 'A');
+    EXPECT_EQ(pressed(list, '-', '-'), 'A');
+    EXPECT_EQ(pressed(empty, '-', '-'), '-');
+}
+
+TEST(ShuffleOrder, startsWithTheGivenTrack) {
+    ShuffleOrder order = seededOrder(3);
+    order.start(listOf(""), idOf('A'));
+    EXPECT_EQ(order.position(), -1);
+    EXPECT_TRUE(order.order().empty());
+
+    const TrackList list = listOf("ABCD");
+    for (const char first : {'X', 'C'}) {
+        const std::size_t orders = first == 'C' ? 6 : 24;
+        std::map<std::string, int> drawn;
+        for (std::size_t i = 0; i < 1000 * orders; ++i) {
+            order.start(list, idOf(first));
+            ++drawn[lettersOf(order.order())];
+            // Unless the first is playing, it is the next.
+            const char next = letterOf(order.peekNext(list, {}, false, {}));
+            EXPECT_EQ(next, letterOf(order.order()[first == 'C' ? 1 : 0]));
+        }
+        EXPECT_EQ(drawn.size(), orders);
+        for (const auto& [letters, times] : drawn)
+            EXPECT_NEAR(times, 1000, 160) << letters; // five standard deviations
+        EXPECT_TRUE(first != 'C' || drawn.begin()->first.front() == 'C');
+    }
+}
+
+TEST(ShuffleOrder, playsEveryTrackOncePerPass) {
+    for (quint64 seed = 0; seed < 100; ++seed) {
+        const TrackList list = listOf("ABCDE");
+        ShuffleOrder order = seededOrder(seed);
+        order.start(list, idOf('A'));
+        std::string heard = "A";
+        while (heard.size() < 15) {
+            const auto cursor = maybeId(heard.back());
+            const bool atEnd = heard.size() % 5 == 0;
+            EXPECT_EQ(order.peekNext(list, cursor, false, {}).has_value(), !atEnd);
+            const auto next = order.peekNext(list, cursor, true, {});
+            ASSERT_TRUE(next);
+            EXPECT_EQ(order.peekNext(list, cursor, true, {}), next) << "asking changes the answer";
+            EXPECT_NE(letterOf(next), heard.back());
+            order.take(*next, list, cursor);
+            heard += letterOf(next);
+        }
+        for (std::size_t pass = 0; pass < heard.size(); pass += 5) {
+            std::string letters = heard.substr(pass, 5);
+            std::ranges::sort(letters);
+            EXPECT_EQ(letters, "ABCDE");
+        }
+        EXPECT_EQ(lettersOf(order.order()), heard.substr(10));
+        for (std::size_t i = 13; i >= 10; --i) {
+            const auto previous = order.peekPrevious(list);
+            EXPECT_EQ(letterOf(previous), heard[i]);
+            order.goBack(*previous);
+        }
+        EXPECT_FALSE(order.peekPrevious(list));
+        EXPECT_EQ(letterOf(order.peekNext(list, maybeId(heard[10]), true, {})), heard[11]);
+    }
+    const TrackList one = listOf("A");
+    ShuffleOrder order = seededOrder(1);
+    order.start(one, idOf('A'));
+    EXPECT_EQ(order.peekNext(one, idOf('A'), true, {}), idOf('A'));
+    EXPECT_FALSE(order.peekNext(one, idOf('A'), false, {}));
+}
+
+TEST(ShuffleOrder, isDrawnAfreshForAnotherPlaylist) {
+    const TrackList list = listOf("ABCD");
+    ShuffleOrder order = seededOrder(9);
+    order.start(listOf("VWXYZ"), idOf('V'));
+    const auto next = order.peekNext(list, idOf('B'), false, {});
+    ASSERT_TRUE(next && list.contains(*next) && *next != idOf('B'));
+    EXPECT_FALSE(order.peekPrevious(list));
+    order.take(*next, list, idOf('B'));
+    EXPECT_EQ(order.playlist(), list.id());
+    EXPECT_EQ(lettersOf(order.order()).substr(0, 2), std::string("B") + letterOf(next));
+    EXPECT_EQ(order.position(), 1);
+
+    std::set<char> chosen;
+    for (quint64 seed = 0; seed < 100; ++seed)
+        chosen.insert(letterOf(seededOrder(seed).peekNext(list, idOf('B'), false, {})));
+    EXPECT_EQ(chosen, (std::set{'A', 'C', 'D'})) << "before the first order is drawn";
+}
+
+TEST(ShuffleOrder, newTracksGoToRandomPlacesAmongThoseToCome) {
+    std::map<std::size_t, int> places;
+    ShuffleOrder order = seededOrder(5);
+    for (int i = 0; i < 4'000; ++i) {
+        const TrackList list = listOf("ABCDE");
+        order.start(list, idOf('A'));
+        order.take(*order.peekNext(list, idOf('A'), false, {}), list, idOf('A'));
+        std::string before = lettersOf(order.order());
+        order.insert({idOf('X'), idOf('B')}, list.id());
+        order.insert({idOf('Y')}, QUuid::createUuid());
+        std::string after = lettersOf(order.order());
+        const std::size_t place = after.find('X');
+        ASSERT_NE(place, std::string::npos);
+        ++places[place];
+        after.erase(place, 1);
+        EXPECT_EQ(after, before) << "known tracks stay, and those of other playlists stay out";
+    }
+    ASSERT_EQ(places.size(), 4u);
+    for (const auto& [place, times] : places) {
+        EXPECT_GE(place, 2u);
+        EXPECT_NEAR(times, 1000, 140);
+    }
+    const TrackList empty = listOf("");
+    order.start(empty, {});
+    order.insert({idOf('A')}, empty.id());
+    EXPECT_EQ(order.position(), 0);
+}
+
+TEST(ShuffleOrder, takesBackWhatWasQueuedOnly) {
+    for (const std::size_t heard : {2u, 4u}) { // within a pass, and where a new one begins
+        TrackList list = listOf("ABCD");
+        ShuffleOrder order = seededOrder(heard);
+        order.start(list, idOf('A'));
+        char cursor = 'A';
+        for (std::size_t i = 1; i < heard; ++i) {
+            const auto next = order.peekNext(list, idOf(cursor), true, {});
+            order.take(*next, list, idOf(cursor));
+            cursor = letterOf(next);
+        }
+        const std::vector<QUuid> before = order.order();
+        const auto queued = order.peekNext(list, idOf(cursor), true, {});
+        order.takeQueued(*queued, list, idOf(cursor));
+        EXPECT_EQ(order.order()[std::size_t(order.position())], *queued);
+        order.insert({idOf('E')}, list.id());
+        list.insert(0, tracksOf("E"));
+        order.rollBack();
+        EXPECT_EQ(order.position(), qsizetype(heard) - 1);
+        EXPECT_EQ(letterOf(order.order()[heard - 1]), cursor);
+        EXPECT_EQ(lettersOf(order.order()).substr(0, heard), lettersOf(before).substr(0, heard));
+        EXPECT_EQ(order.order().size(), 5u) << "the newcomer is forgotten";
+
+        // What was planned is played although the newcomer may be the next by now.
+        order.takeQueued(*queued, list, idOf(cursor));
+        order.confirm();
+        order.rollBack();
+        EXPECT_EQ(order.order()[std::size_t(order.position())], *queued);
+        EXPECT_EQ(order.order().size(), 5u);
+    }
+}
