@@ -1,5 +1,6 @@
 #include "audio/decode/AiffReader.h"
 
+#include "audio/decode/Chunks.h"
 #include "audio/decode/FileCursor.h"
 #include "audio/decode/Mp4Boxes.h"
 #include "audio/decode/PcmFile.h"
@@ -12,19 +13,12 @@ namespace quorel {
 
 namespace {
 
-constexpr int kMaxChunks = 10'000; // of a damaged file that goes on and on
-
 struct CommonChunk {
     int channels = 0;
     uint64_t frames = 0;
     int bits = 0;
     double sampleRate = 0;
     uint32_t compression = fourCc("NONE");
-};
-
-struct SoundChunk {
-    int64_t offset = 0;
-    int64_t bytes = 0;
 };
 
 struct Chunks {

@@ -1,6 +1,7 @@
 #include "audio/decode/CafReader.h"
 
 #include "audio/decode/ChannelMask.h"
+#include "audio/decode/Chunks.h"
 #include "audio/decode/ElementaryStream.h"
 #include "audio/decode/FileCursor.h"
 #include "audio/decode/Mp4Boxes.h"
@@ -16,7 +17,6 @@ namespace quorel {
 
 namespace {
 
-constexpr int kMaxChunks = 10'000; // of a damaged file that goes on and on
 constexpr int64_t kMaxCookieBytes = 65536;
 
 struct Description {

@@ -86,6 +86,7 @@ FlacFile::FlacFile(AudioSource source, const FlacMetadata& metadata)
     format_.sampleRate = scanner_.sampleRate();
     format_.layout = layoutOfMask(scanner_.channels(), metadata.channelMask);
     length_ = statedOrFoundLength();
+    searching_ = false; // it is at the first frame
 }
 
 // Frames that end exactly where the file does tell the length more reliably than the head, which
@@ -109,29 +110,6 @@ double FlacFile::dataRate() const {
     return dataRateOf(source_.end - scanner_.begin(), length_, format_.sampleRate);
 }
 
-bool FlacFile::seek(int64_t frame) {
-    position_ = std::clamp<int64_t>(frame, 0, length_);
-    searching_ = position_ < blockStart_ || position_ >= blockEnd();
-    return true;
-}
-
-int64_t FlacFile::read(float* interleaved, int64_t frames) {
-    const int64_t wanted = std::min(frames, length_ - position_);
-    int64_t done = 0;
-    while (done < wanted && !cancelled()) {
-        if (searching_ && !goToPosition()) {
-            break;
-        }
-        if (position_ >= blockEnd() && !decodeNext()) {
-            break;
-        }
-        done += deliver(interleaved + done * channels(), wanted - done);
-    }
-    return done;
-}
-
-// Done by the read behind a seek, so that cancel() can interrupt it too and nothing is lost by
-// that.
 bool FlacFile::goToPosition() {
     if (scanner_.hasFrames()) {
         const FlacFrame start = scanner_.frameBefore(position_, length_);
@@ -142,7 +120,6 @@ bool FlacFile::goToPosition() {
         blockStart_ = start.start;
         block_.frames = 0;
     }
-    searching_ = false;
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/decode/AudioReader.h"
+#include "audio/decode/BlockFile.h"
 #include "audio/decode/FlacDecoder.h"
 #include "audio/decode/FlacMetadata.h"
 #include "audio/decode/FlacScanner.h"
@@ -17,7 +18,7 @@ inline constexpr AudioReader kFlacReader{recognisesFlac, openFlac, measureFlac};
 
 /// A FLAC file. Frames lost to damage are silence, so that what follows keeps its place; frames of
 /// another rate or channel count end the stream.
-class FlacFile : public AudioFile {
+class FlacFile : public BlockFile {
   public:
     FlacFile(AudioSource source, const FlacMetadata& metadata);
 
@@ -25,25 +26,21 @@ class FlacFile : public AudioFile {
     bool isPlayable();
 
     double dataRate() const override;
-    int64_t position() const override { return position_; }
-    bool seek(int64_t frame) override;
-    int64_t read(float* interleaved, int64_t frames) override;
 
   private:
     int64_t statedOrFoundLength();
-    bool goToPosition();
-    bool decodeNext();
     bool findWayOn(int64_t expected);
-    int64_t deliver(float* out, int64_t frames);
-    int64_t blockEnd() const { return blockStart_ + block_.frames; }
+    bool goToPosition() override;
+    bool decodeNext() override;
+    int64_t deliver(float* out, int64_t frames) override;
+    int64_t blockStart() const override { return blockStart_; }
+    int64_t blockEnd() const override { return blockStart_ + block_.frames; }
 
     AudioSource source_;
     FlacStreamInfo info_;
     FlacScanner scanner_;
     FlacDecoder decoder_;
-    int64_t position_ = 0;
-    bool searching_ = false; // the frame at the position is yet to be looked for
-    int64_t nextOffset_;     // of the frame behind the block
+    int64_t nextOffset_; // of the frame behind the block
     FlacDecoder::Block block_;
     int64_t blockStart_ = 0; // number of the block's first frame
 };

@@ -108,29 +108,7 @@ double MpegFile::dataRate() const {
     return dataRateOf(index_->bytes(), index_->count() * packetFrames_, format_.sampleRate);
 }
 
-bool MpegFile::seek(int64_t frame) {
-    position_ = std::clamp<int64_t>(frame, 0, length_);
-    searching_ = searching_ || position_ < blockStart() || position_ >= blockEnd();
-    return true;
-}
-
-int64_t MpegFile::read(float* interleaved, int64_t frames) {
-    const int64_t wanted = std::min(frames, length_ - position_);
-    int64_t done = 0;
-    while (done < wanted && !cancelled()) {
-        if (searching_ && !goToPosition()) {
-            break;
-        }
-        if (position_ >= blockEnd() && !decodeNext()) {
-            break;
-        }
-        done += deliver(interleaved + done * channels(), wanted - done);
-    }
-    return done;
-}
-
-// Done by the read behind a seek, so that cancel() can interrupt it too. It ends with the packet
-// before the position's decoded.
+// Ends with the packet before the position's decoded.
 bool MpegFile::goToPosition() {
     const int64_t target = (position_ + origin_) / packetFrames_;
     const auto start = index_->decodeFrom(walker_, target);
@@ -149,7 +127,6 @@ bool MpegFile::goToPosition() {
             return false;
         }
     }
-    searching_ = false;
     return true;
 }
 

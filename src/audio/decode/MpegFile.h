@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/decode/AudioReader.h"
+#include "audio/decode/BlockFile.h"
 #include "audio/decode/CodecDecoder.h"
 #include "audio/decode/MpegIndex.h"
 
@@ -23,7 +24,7 @@ inline constexpr AudioReader kMpegReader{[](std::span<const std::byte>) { return
 /// Frames follow each other without a pause whatever lies between them: junk has no duration. A
 /// frame that is there and cannot be decoded is silence. Frames of another rate or channel count
 /// end the stream.
-class MpegFile : public AudioFile {
+class MpegFile : public BlockFile {
   public:
     explicit MpegFile(AudioSource source);
 
@@ -32,17 +33,14 @@ class MpegFile : public AudioFile {
     bool open(std::string& error);
 
     double dataRate() const override;
-    int64_t position() const override { return position_; }
-    bool seek(int64_t frame) override;
-    int64_t read(float* interleaved, int64_t frames) override;
 
   private:
     bool learnFormat(std::string& error);
-    bool goToPosition();
-    bool decodeNext();
-    int64_t deliver(float* out, int64_t frames);
-    int64_t blockEnd() const { return nextPacket_ * packetFrames_ - origin_; }
-    int64_t blockStart() const { return blockEnd() - blockFrames_; }
+    bool goToPosition() override;
+    bool decodeNext() override;
+    int64_t deliver(float* out, int64_t frames) override;
+    int64_t blockStart() const override { return blockEnd() - blockFrames_; }
+    int64_t blockEnd() const override { return nextPacket_ * packetFrames_ - origin_; }
 
     AudioSource source_;
     MpegWalker walker_;
@@ -50,10 +48,8 @@ class MpegFile : public AudioFile {
     std::unique_ptr<CodecDecoder> decoder_;
     int64_t packetFrames_ = 0; // that the decoder gives for a packet
     int64_t origin_ = 0;       // decoded frames before the sound's first one
-    int64_t position_ = 0;
-    bool searching_ = true;   // the packet at the position is yet to be looked for
-    int64_t nextPacket_ = 0;  // number of the one behind the block
-    int64_t blockFrames_ = 0; // of the newest packet; 0 when there is none
+    int64_t nextPacket_ = 0;   // number of the one behind the block
+    int64_t blockFrames_ = 0;  // of the newest packet; 0 when there is none
     std::vector<float> block_;
 };
 

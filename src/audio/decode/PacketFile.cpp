@@ -125,31 +125,8 @@ double PacketFile::dataRate() const {
     return soundEnd_ > 0 ? 8 * bytes * sampleRate() / static_cast<double>(soundEnd_) : 0;
 }
 
-bool PacketFile::seek(int64_t frame) {
-    position_ = std::clamp<int64_t>(frame, 0, length_);
-    const int64_t target = position_ + origin_;
-    searching_ = target < blockStart_ || target >= blockEnd_;
-    return true;
-}
-
-int64_t PacketFile::read(float* interleaved, int64_t frames) {
-    const int64_t wanted = std::min(frames, length_ - position_);
-    int64_t done = 0;
-    while (done < wanted && !cancelled()) {
-        if (searching_) {
-            goToPosition();
-        }
-        if (position_ + origin_ >= blockEnd_ && !decodeNext()) {
-            break;
-        }
-        done += deliver(interleaved + done * channels(), wanted - done);
-    }
-    return done;
-}
-
 // Decoding on is as good as starting anew where the packets before the position come next anyway.
-void PacketFile::goToPosition() {
-    searching_ = false;
+bool PacketFile::goToPosition() {
     const int64_t target = position_ + origin_;
     std::size_t index = stream_.packets.indexAt(
         static_cast<int64_t>(static_cast<double>(target) *
@@ -160,13 +137,14 @@ void PacketFile::goToPosition() {
     const std::size_t preRoll = preRollOf(stream_.codec);
     const std::size_t first = index > preRoll ? index - preRoll : 0;
     if (next_ >= first && next_ <= index && target >= blockEnd_ && blockEnd_ > 0) {
-        return;
+        return true;
     }
     decoder_->reset();
     next_ = first;
     block_.clear();
     blockStart_ = 0;
     blockEnd_ = 0;
+    return true;
 }
 
 // Hands out what the block has for the current position: its frames, then silence up to its end.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "audio/decode/AudioReader.h"
+#include "audio/decode/BlockFile.h"
 #include "audio/decode/CodecDecoder.h"
 #include "audio/decode/PacketTable.h"
 
@@ -26,14 +27,11 @@ struct PacketStream {
 /// Compressed sound whose container says where each packet lies and when it sounds.
 ///
 /// Packets that cannot be decoded are silence, so that what follows keeps its place.
-class PacketFile : public AudioFile {
+class PacketFile : public BlockFile {
   public:
     static OpenedAudioFile open(AudioSource source, PacketStream stream);
 
     double dataRate() const override;
-    int64_t position() const override { return position_; }
-    bool seek(int64_t frame) override;
-    int64_t read(float* interleaved, int64_t frames) override;
 
   private:
     PacketFile(AudioSource source, PacketStream stream, std::unique_ptr<CodecDecoder> decoder);
@@ -42,9 +40,11 @@ class PacketFile : public AudioFile {
     void countFrames(std::size_t framesOfPacket);
     void findLength();
     bool readPacket(const Packet& packet);
-    bool decodeNext();
-    void goToPosition();
-    int64_t deliver(float* out, int64_t frames);
+    bool goToPosition() override;
+    bool decodeNext() override;
+    int64_t deliver(float* out, int64_t frames) override;
+    int64_t blockStart() const override { return blockStart_ - origin_; }
+    int64_t blockEnd() const override { return blockEnd_ - origin_; }
     int64_t frameAt(int64_t ticks) const;
     int64_t blockFrames() const;
 
@@ -53,8 +53,6 @@ class PacketFile : public AudioFile {
     std::unique_ptr<CodecDecoder> decoder_;
     int64_t soundEnd_ = 0;     // of all packets, in frames, as all below
     int64_t origin_ = 0;       // where the sound starts
-    int64_t position_ = 0;     // from the origin on
-    bool searching_ = true;    // the packet at the position is yet to be decoded
     std::size_t next_ = 0;     // the packet behind the block
     std::vector<float> block_; // the newest packet's sound
     int64_t blockStart_ = 0;   // its place, from the first packet on

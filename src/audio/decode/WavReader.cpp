@@ -2,6 +2,7 @@
 
 #include "audio/decode/Bytes.h"
 #include "audio/decode/ChannelMask.h"
+#include "audio/decode/Chunks.h"
 #include "audio/decode/MpegFile.h"
 #include "audio/decode/PacketFile.h"
 #include "audio/decode/PcmFile.h"
@@ -15,7 +16,6 @@ namespace quorel {
 
 namespace {
 
-constexpr int kMaxChunks = 10'000; // of a damaged file that goes on and on
 constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
 constexpr uint32_t kTagPcm = 0x0001;
 constexpr uint32_t kTagAdpcmMs = 0x0002;
@@ -37,14 +37,9 @@ struct FormatChunk {
     uint32_t blockFrames = 0; // of ADPCM, whose frameBytes are those of a block
 };
 
-struct DataChunk {
-    int64_t offset = 0;
-    int64_t bytes = 0;
-};
-
 struct Chunks {
     std::optional<FormatChunk> format;
-    std::optional<DataChunk> data;
+    std::optional<SoundChunk> data;
     uint32_t frames = 0; // stated of compressed sound
 };
 
@@ -97,7 +92,7 @@ Chunks Walker::walk() {
             }
         } else if (startsWith(header, "data")) {
             bytes = dataBytes(offset, stated);
-            chunks.data = DataChunk{offset, bytes};
+            chunks.data = SoundChunk{offset, bytes};
         }
         offset += bytes + (bytes & 1);
     }

@@ -1,6 +1,7 @@
 #include "media/tags/ChunkTags.h"
 
 #include "audio/decode/Bytes.h"
+#include "audio/decode/Chunks.h"
 #include "audio/decode/Mp4Boxes.h"
 
 #include <QList>
@@ -11,7 +12,6 @@ namespace quorel {
 
 namespace {
 
-constexpr int kMaxChunks = 10'000; // of a damaged file that goes on and on
 constexpr int64_t kMaxTextBytes = 65536;
 constexpr uint64_t kLongSize = 0xFFFFFFFF; // RF64's word for a size that stands in its ds64 chunk
 

@@ -1,27 +1,17 @@
 #include "support/AudioFixtures.h"
 #include "support/AudioMatrix.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <thread>
 
 namespace quorel::test {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 class AudioFileTest : public testing::TestWithParam<const char*> {
   protected:
@@ -112,42 +102,6 @@ TEST_P(AudioFileTest, EndsWithWhatThereIs) {
     file->seek(0);
     ASSERT_EQ(file->read(got.data(), 1000), 1000);
     EXPECT_TRUE(std::equal(got.begin(), got.begin() + 2000, whole.begin()));
-}
-
-TEST(AudioFileOpen, RefusesWhatIsNoAudioFileAtOnce) {
-    const TemporaryFolder folder;
-    std::minstd_rand random(5);
-    std::string noise;
-    for (int i = 0; i < 300000; ++i) {
-        noise += static_cast<char>(random() >> 8);
-    }
-    ASSERT_EQ(::mkfifo(folder.path("fifo.wav").c_str(), 0600), 0);
-    const std::string locked = folder.write("locked.wav", wavBytes(TestSound(10, 2, 16)));
-    ::chmod(locked.c_str(), 0);
-    const struct {
-        std::string path;
-        const char* reason;
-    } cases[] = {
-        {folder.path("fifo.wav"), "not a regular file"},
-        {folder.path(""), "not a regular file"},
-        {"/dev/zero", "not a regular file"},
-        {folder.path("absent.wav"), "No such file"},
-        {folder.write("empty.wav", ""), "empty"},
-        {folder.write("noise.flac", noise), "known format"},
-        {folder.write("text.wav", "#EXTM3U\nhttp://localhost/a.mp3\n"), "known format"},
-        {folder.write("tag.mp3", std::string("ID3\4\0\0\0\0\0\1\0", 11)), "known format"},
-        {folder.write("head.flac", "fLaC" + noise), "without"},
-    };
-    for (const auto& refused : cases) {
-        const auto start = Clock::now();
-        const auto opened = AudioFile::open(refused.path);
-        EXPECT_FALSE(opened.file) << refused.path;
-        EXPECT_THAT(opened.error, testing::HasSubstr(refused.reason)) << refused.path;
-        EXPECT_LT(secondsSince(start), 0.05 * kPatience) << refused.path;
-    }
-    if (::geteuid() != 0) { // to whom nothing is locked
-        EXPECT_THAT(AudioFile::open(locked).error, testing::HasSubstr("denied"));
-    }
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "audio/decode/PcmFile.h"
 #include "support/AudioFixtures.h"
 #include "support/AudioMatrix.h"
 
@@ -7,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <random>
 #include <string>
 #include <thread>
@@ -106,6 +108,14 @@ void expectSeeksExact(const MatrixFile& made, const std::vector<float>& linear, 
                   0)
             << "seek to " << target;
     }
+    const int64_t nothing = std::max(length, file->length() - 100); // where a broken file is silent
+    for (const int64_t end : {nothing, file->length(), file->length() + 5}) {
+        EXPECT_TRUE(file->seek(end));
+        EXPECT_EQ(file->position(), std::min(end, file->length()));
+        EXPECT_TRUE(readAll(*file).empty());
+    }
+    EXPECT_TRUE(file->seek(-7));
+    EXPECT_EQ(file->position(), 0);
 }
 
 void expectRefused(const MatrixFile& made) {
@@ -125,6 +135,7 @@ void expectAsMade(const MatrixFile& made) {
     ASSERT_TRUE(file) << error;
     ASSERT_EQ(file->channels(), made.channels);
     EXPECT_EQ(file->sampleRate(), made.sampleRate);
+    EXPECT_EQ(file->format().layout, rt::ChannelLayout::usual(made.channels));
     const std::vector<float> linear = readAll(*file);
     const int64_t played = static_cast<int64_t>(linear.size()) / made.channels;
     EXPECT_GE(played, made.fewest);
@@ -133,11 +144,17 @@ void expectAsMade(const MatrixFile& made) {
     if (made.stated()) {
         EXPECT_EQ(file->length(), made.fewest);
     }
+    if (dynamic_cast<const PcmFile*>(file.get()) != nullptr) {
+        EXPECT_EQ(file->length(), played); // it can tell however the file ends
+    }
     if (played == 0) {
         return;
     }
     if (made.check == Check::Exact) {
         expectExact(linear, made);
+        const double bytes = file->dataRate() / 8 * static_cast<double>(played) / made.sampleRate;
+        const auto size = static_cast<double>(std::filesystem::file_size(made.path));
+        EXPECT_TRUE(!made.stated() || std::abs(bytes - size) < 0.02 * size + 10000) << bytes;
     } else if (made.check == Check::Like) {
         expectLike(linear, made);
     }
