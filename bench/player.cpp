@@ -1,6 +1,7 @@
 // What the user's actions on one playlist of 100,000 and of 1,000,000 tracks cost, without the
 // views: milliseconds, nanoseconds for a look-up, and the bytes a track takes besides its texts.
 #include "SampleState.h"
+#include "player/MetadataScan.h"
 #include "player/PlaylistTabs.h"
 #include "player/RemovalHistory.h"
 #include "player/Selection.h"
@@ -127,6 +128,39 @@ void insertBlock(benchmark::State& run) {
     }
 }
 
+/// One batch of readings that come for tracks all over the list.
+void applyMetadata(benchmark::State& run) {
+    Playlist playlist = sample(run.range(0));
+    const qsizetype step = playlist.tracks.size() / qsizetype(MetadataScan::kBatch);
+    for (qsizetype row = 0; row < playlist.tracks.size(); row += step)
+        playlist.tracks[row].sampleRateHz.reset();
+    for (auto _ : run) {
+        PlaylistTabs tabs({playlist}, std::nullopt);
+        tabs.active().change(0, [](Track& track) { track.bpm.reset(); }); // no more shared
+        MetadataScan scan;
+        scan.request(tabs);
+        while (const auto file = scan.next(tabs)) {
+            TrackMetadata read;
+            read.duration = 100;
+            read.album = QStringLiteral("Album");
+            read.sampleRateHz = 44100;
+            scan.read(*file, read);
+        }
+        timed(run, [&] {
+            const auto applied = scan.apply(tabs);
+            run.counters["rows"] = static_cast<double>(rowsIn(applied.playlists.front().changed));
+        });
+    }
+}
+
+void beginMetadataScan(benchmark::State& run) {
+    const PlaylistTabs tabs({sample(run.range(0))}, std::nullopt);
+    for (auto _ : run) {
+        MetadataScan scan;
+        timed(run, [&] { scan.request(tabs); });
+    }
+}
+
 void lookUp(benchmark::State& run) {
     const TrackList list = sampleList(run);
     std::vector<QUuid> ids;
@@ -198,6 +232,8 @@ BENCHMARK(undoRemoveHalf)->Apply(atBothSizes);
 BENCHMARK(moveBlock)->Apply(atBothSizes);
 BENCHMARK(insertBlock)->Apply(atBothSizes);
 BENCHMARK(drawShuffleOrder)->Apply(atBothSizes);
+BENCHMARK(beginMetadataScan)->Apply(atBothSizes);
+BENCHMARK(applyMetadata)->Apply(atBothSizes);
 BENCHMARK(lookUp)->Arg(1'000)->Arg(100'000)->Arg(1'000'000);
 BENCHMARK(memory)->Apply(onceAtBothSizes);
 
