@@ -141,10 +141,20 @@ bool PacketFile::goToPosition() {
     }
     decoder_->reset();
     next_ = first;
+    while (next_ < index) {
+        if (cancelled() || !decodeNext()) {
+            dropBlock(); // half way there its sound is not right yet
+            return false;
+        }
+    }
+    dropBlock();
+    return true;
+}
+
+void PacketFile::dropBlock() {
     block_.clear();
     blockStart_ = 0;
     blockEnd_ = 0;
-    return true;
 }
 
 // Hands out what the block has for the current position: its frames, then silence up to its end.

@@ -46,6 +46,7 @@ class PacketFile : public BlockFile {
     int64_t blockStart() const override { return blockStart_ - origin_; }
     int64_t blockEnd() const override { return blockEnd_ - origin_; }
     int64_t frameAt(int64_t ticks) const;
+    void dropBlock();
     int64_t blockFrames() const;
 
     AudioSource source_;

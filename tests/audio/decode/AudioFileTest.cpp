@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <thread>
 
 namespace quorel::test {
@@ -46,7 +48,7 @@ class AudioFileTest : public testing::TestWithParam<const char*> {
 INSTANTIATE_TEST_SUITE_P(, AudioFileTest,
                          testing::Values("wav_s16le", "wav_adpcm_ms", "aiff_s24be", "caf_f32le",
                                          "caf_alac_st16", "flac_16", "mp3_vbr.mp3", "aac_plain",
-                                         "m4a_aac.m4a", "m4a_alac16"),
+                                         "m4a_aac.m4a", "m4a_alac16", "m4a_mp3"),
                          [](const auto& made) {
                              std::string name = made.param;
                              std::replace(name.begin(), name.end(), '.', '_');
@@ -79,6 +81,32 @@ TEST_P(AudioFileTest, GoesOnWhereACancelledReadStopped) {
     ASSERT_GT(first, 0);
     EXPECT_EQ(file->read(got.data() + 2 * first, frames - first), frames - first);
     EXPECT_TRUE(got == whole);
+}
+
+TEST_P(AudioFileTest, SeeksExactlyAfterACancelledSeek) {
+    std::minstd_rand random(9);
+    std::vector<float> got(2 * 500);
+    for (int i = 0; i < 400; ++i) {
+        const int64_t target = 5000 + static_cast<int64_t>(random()) % (frames - 6000);
+        std::atomic<bool> reading = false;
+        std::jthread canceller([&, spins = random() % 60000] {
+            while (!reading) {
+            }
+            for (volatile unsigned n = 0; n < spins;) {
+                n = n + 1;
+            }
+            file->cancel();
+        });
+        file->seek(target);
+        reading = true;
+        file->read(got.data(), 1);
+        canceller.join();
+        file->resume();
+        const int64_t near = target - static_cast<int64_t>(random()) % 5000;
+        file->seek(near);
+        ASSERT_EQ(file->read(got.data(), 500), 500);
+        ASSERT_TRUE(std::equal(got.begin(), got.end(), whole.begin() + 2 * near)) << near;
+    }
 }
 
 TEST_P(AudioFileTest, EndsWithWhatThereIs) {
