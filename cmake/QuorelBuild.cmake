@@ -18,16 +18,18 @@ endif()
 include(QuorelWarnings)
 include(QuorelSanitizers)
 
-# quorel_library(NAME FOLDER dir DEPENDS targets...)
-# The static library quorel_NAME of all sources in src/dir (not below it).
+# quorel_library(NAME FOLDER dir [MOC] DEPENDS targets...)
+# The static library quorel_NAME of all sources in src/dir (not below it). With MOC its classes may
+# have signals.
 function(quorel_library name)
-  cmake_parse_arguments(ARG "" "FOLDER" "DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "MOC" "FOLDER" "DEPENDS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/${ARG_FOLDER}/*.cpp"
        "${CMAKE_SOURCE_DIR}/src/${ARG_FOLDER}/*.h")
   add_library(quorel_${name} STATIC ${sources})
   set_target_properties(quorel_${name} PROPERTIES LINKER_LANGUAGE CXX)
   target_include_directories(quorel_${name} PUBLIC "${CMAKE_SOURCE_DIR}/src")
   target_link_libraries(quorel_${name} PUBLIC ${ARG_DEPENDS} Threads::Threads)
+  set_target_properties(quorel_${name} PROPERTIES AUTOMOC ${ARG_MOC})
   quorel_settings(quorel_${name})
 endfunction()
 

@@ -1,6 +1,6 @@
 # Every library that the program calls. All of them are Debian packages; packages/debian.txt names
 # the packages, and `make setup` installs them.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Network Svg Test Widgets)
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(FFTW REQUIRED IMPORTED_TARGET fftw3f>=3.3)
