@@ -60,9 +60,10 @@ std::optional<Error> AudioEngine::load(const TrackToPlay& track, int fadeInMs) {
     current_ = std::move(segment);
     queued_.reset();
     duration_ = static_cast<double>(current_->t1) / current_->sampleRate;
-    currentTime_ = static_cast<double>(current_->t0) / current_->sampleRate;
+    const double start = static_cast<double>(current_->t0) / current_->sampleRate;
+    currentTime_ = std::max(std::min(track.startAt, duration_ - kSeekMargin), start);
     isLoaded_ = true;
-    scheduleCurrent(current_->t0);
+    scheduleCurrent(frameAt(currentTime_, current_->sampleRate).value_or(current_->t0));
     setNormGain(track.normGain, true);
     play(fadeInMs);
     return std::nullopt;

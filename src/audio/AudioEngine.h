@@ -17,10 +17,7 @@
 
 namespace quorel {
 
-/// Plays tracks. Holds one current and at most one queued segment, and speaks of what is heard: the
-/// position, completions and promotions follow the ear, not the buffers.
-///
-/// Everything here belongs to the main thread and returns at once. Times are seconds of file time.
+/// Plays tracks. The position, completions and promotions follow the ear, not the buffers.
 /// Callbacks come on the main thread and may call the engine.
 class AudioEngine final : public EngineSound, RenderClient, OutputListener {
   public:
@@ -29,66 +26,33 @@ class AudioEngine final : public EngineSound, RenderClient, OutputListener {
     AudioEngine(Clock& clock, std::unique_ptr<Output> output, SourceWorker::Mode mode);
     ~AudioEngine() override;
 
-    // --- Transport -------------------------------------------------------------------------------
-
-    /// Starts a track, fading in over `fadeInMs`. Fails with code 1 when nothing of it is left
-    /// between its trim points or its frames cannot be counted, with code 2 without a file; the
-    /// engine is then stopped, the previous track still current.
-    std::optional<Error> load(const TrackToPlay& track, int fadeInMs);
-
-    /// Lets a track follow the current one without a gap. False, and nothing changes, when one is
-    /// queued already, nothing is current, the rates differ by 1 Hz or more or the channel counts
-    /// differ, its range is empty, or less than 0.3 s of the current track are left.
-    bool preloadNext(const TrackToPlay& track);
-
-    /// Drops the queued track without a sound and calls onQueueDiscarded; nothing when none is.
-    void discardQueued();
-
-    /// Starts the current track where it stands. Lengths below 1 ms mean at once, here and below.
+    std::optional<Error> load(const TrackToPlay& track, int fadeInMs) override;
+    bool preloadNext(const TrackToPlay& track) override;
+    void discardQueued() override;
+    /// Starts the current track where it stands.
     void play(int fadeInMs);
-    void pause(int fadeOutMs);
-    /// As play, unless it is playing already and not about to pause.
-    void resume(int fadeInMs);
-    /// Unloads, after a fade where something is heard.
-    void stop(int fadeOutMs);
+    void pause(int fadeOutMs) override;
+    void resume(int fadeInMs) override;
+    void stop(int fadeOutMs) override;
     /// Ends the sound at once and keeps the current track.
     void stopInternal();
-    /// Moves to `time`, at the earliest the trim start, at the latest 50 ms before the end.
-    void seek(double time);
+    void seek(double time) override;
 
-    bool isPlaying() const { return isPlaying_; }
-    bool isLoaded() const { return isLoaded_; }
-    double currentTime() const { return currentTime_; }
-    double duration() const { return duration_; } ///< end of the playable range in file time
+    bool isPlaying() const override { return isPlaying_; }
+    bool isLoaded() const override { return isLoaded_; }
+    double currentTime() const override { return currentTime_; }
+    double duration() const override { return duration_; }
     float fadeLevel() const { return fadeLevel_; }
-    bool hasQueued() const { return queued_.has_value(); }
+    bool hasQueued() const override { return queued_.has_value(); }
 
-    /// Whether onNeedPreload is called.
-    bool gaplessEnabled = true;
+    const MeterValues& meters() const override { return meter_.values(); }
 
-    std::function<void()> onTrackEnded;
-    std::function<void(QUuid)> onGaplessPromotion;
-    std::function<void()> onNeedPreload; ///< at each tick of the last 12 s while nothing is queued
-    std::function<void()> onQueueDiscarded;
-    std::function<void()> onStateChanged; ///< a published value has changed
-
-    // --- Meters ----------------------------------------------------------------------------------
-
-    const MeterValues& meters() const { return meter_.values(); }
-    std::function<void()> onMetersChanged; ///< 15 times a second while playing
-
-    // --- Output ----------------------------------------------------------------------------------
-
-    /// Opens the output on the device with that UID, or on the system's default when it is empty.
-    void openOutput(const QString& uid);
+    void openOutput(const QString& uid) override;
     /// Moves to a device by its number; without one the output is only restarted.
     void setOutputDevice(std::optional<uint32_t> deviceID);
-    QList<OutputDevice> outputDevices() const { return output_->devices(); }
+    QList<OutputDevice> outputDevices() const override { return output_->devices(); }
     bool isOutputOpen() const { return stream_ != 0; }
-    /// Why nothing can be heard, or empty. A clear sentence for the status line.
-    const QString& outputNotice() const { return outputNotice_; }
-    std::function<void()> onOutputNotice; ///< outputNotice or isOutputOpen has changed
-    std::function<void()> onOutputDevicesChanged;
+    const QString& outputNotice() const override { return outputNotice_; }
 
     struct OutputCounts {
         int underflows = 0; ///< told by the server

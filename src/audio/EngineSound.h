@@ -1,9 +1,9 @@
 #pragma once
 
+#include "audio/PlayerEngine.h"
 #include "audio/SteppedRamp.h"
 #include "audio/rt/Renderer.h"
 #include "core/Clock.h"
-#include "model/Enumerations.h"
 
 #include <array>
 
@@ -12,40 +12,34 @@ namespace quorel {
 /// How the engine sounds, whatever it plays: volume and balance, and the units that shape level and
 /// tone. Main thread. Ramps are sent to the renderer once and rendered there sample by sample; the
 /// timers here only keep the published values in step.
-class EngineSound {
+class EngineSound : public PlayerEngine {
   public:
-    EngineSound(const EngineSound&) = delete;
-    EngineSound& operator=(const EngineSound&) = delete;
-
-    void setVolume(double volume); ///< linear, 0..1; muting is 0
-    void setPan(double pan);       ///< -1 (left) to 1 (right)
-    void setNormGain(double gain, bool instant);
+    void setVolume(double volume) override;
+    void setPan(double pan) override;
+    void setNormGain(double gain, bool instant) override;
     float normGain() const { return normGain_; }
     float normUnitDb() const { return normDb_; }
     bool normBypassed() const { return normBypassed_; }
 
     bool eqEnabled() const { return eqEnabledFlag_; }
-    void setEqEnabled(bool enabled);
-    /// Bands beyond the last are ignored. Heard at once while the equaliser is on.
-    void setEQGain(int index, float db);
+    void setEqEnabled(bool enabled) override;
+    void setEQGain(int index, float db) override;
     const std::array<float, rt::kEqBands>& storedEQGains() const { return storedEQGains_; }
     /// The gains that the bands stand at now, in dB.
     const std::array<float, rt::kEqBands>& eqBandGains() const { return eqBandGains_; }
     bool eqBypassed() const { return parameters_.eq.bypass; }
 
-    /// Bass and treble lift for a volume of 0..1, more of it the lower the volume is.
-    void setLoudness(bool on, double volume, LoudnessStrength strength);
+    void setLoudness(bool on, double volume, LoudnessStrength strength) override;
     const std::array<float, rt::kLoudnessBands>& loudBandGains() const { return loudBandGains_; }
     bool loudBypassed() const { return loudBypassed_; }
 
-    void setCompressor(bool on, CompressorPreset preset);
+    void setCompressor(bool on, CompressorPreset preset) override;
 
   protected:
     explicit EngineSound(Clock& clock)
         : eqRamp_(clock)
         , normRamp_(clock)
         , loudRamp_(clock) {}
-    ~EngineSound() = default;
 
     /// Has the renderer take over parameters_.
     void sendParameters();

@@ -1,6 +1,6 @@
 #include "audio/PlaybackSettings.h"
 
-#include "audio/AudioEngine.h"
+#include "audio/PlayerEngine.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,29 +9,55 @@ namespace quorel {
 
 namespace {
 
-/// Far more than a curve needs, and far less than what numbers run over at in all bands together.
-constexpr double kMostEqDb = 24;
+constexpr double kMostEqDb = 12;
+constexpr double kHeadSeconds = 1;
 
 double limited(double value, double least, double most) {
     return std::isfinite(value) ? std::clamp(value, least, most) : 0.0;
 }
 
+double trimThresholdDb(const AppSettings& settings) {
+    return limited(settings.trimThresholdDb, -200, 0);
+}
+
+double trimMaxSec(const AppSettings& settings) {
+    return limited(settings.trimMaxSec, 0, 3600);
+}
+
 } // namespace
 
-void applySettings(AudioEngine& engine, const AppSettings& settings) {
+void applyVolume(PlayerEngine& engine, const AppSettings& settings) {
     const double volume = limited(settings.volume, 0, 1);
     engine.setVolume(settings.isMuted ? 0.0 : volume);
-    engine.setPan(limited(settings.pan, -1, 1));
-
-    for (int band = 0; band < kEqBands; ++band) {
-        // The list may be of another length; bands that it does not name are flat.
-        const double db = limited(settings.eqGains.value(band), -kMostEqDb, kMostEqDb);
-        engine.setEQGain(band, static_cast<float>(db));
-    }
-    engine.setEqEnabled(settings.eqOn);
     engine.setLoudness(settings.loudness, volume, settings.loudnessStrength);
-    engine.setCompressor(settings.compOn, settings.compPreset);
+}
+
+void applyBalance(PlayerEngine& engine, const AppSettings& settings) {
+    engine.setPan(limited(settings.pan, -1, 1));
+}
+
+void applyEqGain(PlayerEngine& engine, const AppSettings& settings, int band) {
+    // The list may be of another length; bands that it does not name are flat.
+    const double db = limited(settings.eqGains.value(band), -kMostEqDb, kMostEqDb);
+    engine.setEQGain(band, static_cast<float>(db));
+}
+
+void applyEqualizer(PlayerEngine& engine, const AppSettings& settings) {
+    for (int band = 0; band < kEqBands; ++band)
+        applyEqGain(engine, settings, band);
+    engine.setEqEnabled(settings.eqOn);
+}
+
+void applyProcessing(PlayerEngine& engine, const AppSettings& settings) {
     engine.gaplessEnabled = settings.gapless;
+    engine.setCompressor(settings.compOn, settings.compPreset);
+}
+
+void applySettings(PlayerEngine& engine, const AppSettings& settings) {
+    applyVolume(engine, settings);
+    applyBalance(engine, settings);
+    applyEqualizer(engine, settings);
+    applyProcessing(engine, settings);
 }
 
 int fadeLengthMs(bool on, double ms) {
@@ -40,14 +66,26 @@ int fadeLengthMs(bool on, double ms) {
 
 TrackMeasures measureFor(const AppSettings& settings, AudioFile& file) {
     TrackMeasures measures;
-    if (settings.trimSilence) {
-        measures.trim = computeTrim(file, limited(settings.trimThresholdDb, -200, 0),
-                                    limited(settings.trimMaxSec, 0, 3600));
-    }
+    measures.trim = trimFor(settings, file);
     if (settings.normalize) {
         measures.levels = computeLevels(file);
     }
     return measures;
+}
+
+std::optional<Trim> trimFor(const AppSettings& settings, AudioFile& file) {
+    if (!settings.trimSilence) {
+        return std::nullopt;
+    }
+    return computeTrim(file, trimThresholdDb(settings), trimMaxSec(settings));
+}
+
+std::optional<Trim> trimHeadFor(const AppSettings& settings, AudioFile& file) {
+    if (!settings.trimSilence) {
+        return std::nullopt;
+    }
+    return computeTrimOfHead(file, trimThresholdDb(settings),
+                             std::min(trimMaxSec(settings), kHeadSeconds));
 }
 
 TrackToPlay trackToPlay(const AppSettings& settings, std::shared_ptr<AudioFile> file,

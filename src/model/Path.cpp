@@ -28,12 +28,6 @@ char16_t escapedByte(QStringView text, qsizetype index) {
     return escaped ? static_cast<char16_t>(low - kEscapeLow) : u'\0';
 }
 
-QStringView lastComponent(QStringView path) {
-    while (path.endsWith(u'/'))
-        path.chop(1);
-    return path.sliced(path.lastIndexOf(u'/') + 1);
-}
-
 } // namespace
 
 QString pathFromBytes(QByteArrayView bytes) {
@@ -81,6 +75,12 @@ QString pathForDisplay(const QString& path) {
             text.replace(at, 2, byte >= 0xA0 ? QChar(byte) : QChar(QChar::ReplacementCharacter));
     }
     return text;
+}
+
+QStringView lastComponent(QStringView path) {
+    while (path.endsWith(u'/'))
+        path.chop(1);
+    return path.sliced(path.lastIndexOf(u'/') + 1);
 }
 
 QStringView baseName(QStringView path) {

@@ -21,6 +21,9 @@ QByteArray pathToBytes(const QString& path);
 /// of an old file name, and unprintable ones as U+FFFD. Not for opening files.
 QString pathForDisplay(const QString& path);
 
+/// What follows the last slash, slashes at the end not counted.
+QStringView lastComponent(QStringView path);
+
 /// The last component without its extension. A dot that begins a name begins no extension.
 QStringView baseName(QStringView path);
 

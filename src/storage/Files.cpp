@@ -34,6 +34,11 @@ bool isRegularFile(const QByteArray& path) {
     return ::stat(path.constData(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+bool isFolder(const QByteArray& path) {
+    struct stat status {};
+    return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 std::optional<QByteArray> readFile(const QByteArray& path) {
     if (!isRegularFile(path))
         return std::nullopt;

@@ -10,6 +10,9 @@ namespace quorel {
 /// Whether a regular file is there, directly or behind symbolic links.
 bool isRegularFile(const QByteArray& path);
 
+/// Whether a folder is there, directly or behind symbolic links.
+bool isFolder(const QByteArray& path);
+
 /// All bytes of a regular file; nothing where it cannot be read. A pipe or a device is not opened.
 std::optional<QByteArray> readFile(const QByteArray& path);
 

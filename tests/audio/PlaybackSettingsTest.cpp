@@ -23,9 +23,9 @@ TEST_P(PlaybackSettings, reachTheEngineWithinTheirRanges) {
     for (const Case& c : {
              Case{0.5, 0, 3, 0.5, 0.5, 3, 6},
              {1, -1, -12, 1, 0, -12, 0},
-             {7, 0.5, 1e9, 0.5F, 1, 24, 0},
-             {-1, 0, -1e9, 0, 0, -24, 12},
-             {1, 1e300, 1e300, 0, 1, 24, 0},
+             {7, 0.5, 1e9, 0.5F, 1, 12, 0},
+             {-1, 0, -1e9, 0, 0, -12, 12},
+             {1, 1e300, 1e300, 0, 1, 12, 0},
              {kNaN, kNaN, kNaN, 0, 0, 0, 12},
              {kInfinity, -kInfinity, -kInfinity, 0, 0, 0, 12},
          }) {

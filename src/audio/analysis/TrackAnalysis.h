@@ -30,6 +30,9 @@ struct Levels {
 std::optional<Trim> computeTrim(AudioFile& file, double thresholdDb, double maxTrimSec);
 std::optional<Trim> computeTrim(const std::string& path, double thresholdDb, double maxTrimSec);
 
+/// Only where the sound begins, by the same rule; the end is the file's.
+std::optional<Trim> computeTrimOfHead(AudioFile& file, double thresholdDb, double maxTrimSec);
+
 /// Peak and RMS of the whole file; digital silence counts as 0.0001.
 std::optional<Levels> computeLevels(AudioFile& file);
 std::optional<Levels> computeLevels(const std::string& path);

@@ -48,22 +48,32 @@ int64_t startOfTail(AudioFile& file, float threshold, int64_t start) {
     return std::min(tail, file.length());
 }
 
+/// Absent where it cannot be counted in 64 bits, or is not a number.
+std::optional<int64_t> framesIn(double seconds, const AudioFile& file) {
+    const double frames = std::max(seconds, 0.0) * file.sampleRate();
+    return frames < 9.2e18 ? std::optional(static_cast<int64_t>(frames)) : std::nullopt;
+}
+
+float thresholdOf(double db) {
+    return static_cast<float>(std::pow(10.0, db / 20.0));
+}
+
+Trim secondsOf(int64_t head, int64_t tail, const AudioFile& file) {
+    const double rate = file.sampleRate();
+    return {static_cast<double>(head) / rate, static_cast<double>(tail) / rate};
+}
+
 } // namespace
 
 std::optional<Trim> computeTrim(AudioFile& file, double thresholdDb, double maxTrimSec) {
-    const double rate = file.sampleRate();
+    const auto maxFrames = framesIn(maxTrimSec, file);
+    if (!maxFrames || !file.seek(0)) {
+        return std::nullopt;
+    }
+    const float threshold = thresholdOf(thresholdDb);
     const int64_t length = file.length();
-    const double maxTrim = std::max(maxTrimSec, 0.0) * rate;
-    if (!(maxTrim < 9.2e18)) { // not to be counted in 64 bits, or not a number
-        return std::nullopt;
-    }
-    const auto maxFrames = static_cast<int64_t>(maxTrim);
-    const auto threshold = static_cast<float>(std::pow(10.0, thresholdDb / 20.0));
-    if (!file.seek(0)) {
-        return std::nullopt;
-    }
-    const int64_t head = endOfHead(file, threshold, std::min(maxFrames, length));
-    const int64_t tailStart = std::max<int64_t>(length - maxFrames, 0);
+    const int64_t head = endOfHead(file, threshold, std::min(*maxFrames, length));
+    const int64_t tailStart = std::max<int64_t>(length - *maxFrames, 0);
     if (!file.seek(tailStart)) {
         return std::nullopt;
     }
@@ -71,10 +81,20 @@ std::optional<Trim> computeTrim(AudioFile& file, double thresholdDb, double maxT
     if (file.cancelled()) {
         return std::nullopt;
     }
-    if (tail <= head) {
-        return Trim{0, static_cast<double>(length) / rate};
+    return tail <= head ? secondsOf(0, length, file) : secondsOf(head, tail, file);
+}
+
+std::optional<Trim> computeTrimOfHead(AudioFile& file, double thresholdDb, double maxTrimSec) {
+    const auto maxFrames = framesIn(maxTrimSec, file);
+    if (!maxFrames || !file.seek(0)) {
+        return std::nullopt;
     }
-    return Trim{static_cast<double>(head) / rate, static_cast<double>(tail) / rate};
+    const int64_t length = file.length();
+    const int64_t head = endOfHead(file, thresholdOf(thresholdDb), std::min(*maxFrames, length));
+    if (file.cancelled()) {
+        return std::nullopt;
+    }
+    return secondsOf(head == length ? 0 : head, length, file);
 }
 
 std::optional<Levels> computeLevels(AudioFile& file) {
