@@ -1,6 +1,7 @@
 #include "player/FileImport.h"
 
 #include "media/AudioFiles.h"
+#include "media/M3U8.h"
 #include "model/Path.h"
 #include "storage/Files.h"
 
@@ -14,6 +15,14 @@ bool isPlaylistFile(const QString& path) {
            found.compare(u"m3u", Qt::CaseInsensitive) == 0;
 }
 
+QList<Track> tracksOf(const QStringList& paths) {
+    QList<Track> tracks;
+    tracks.reserve(paths.size());
+    for (const QString& path : paths)
+        tracks += Track::fromPath(path);
+    return tracks;
+}
+
 FileImport::Found collect(const QStringList& paths, ImportTarget target,
                           const CollectControl& control) {
     FileImport::Found found{target, {}, {}, {}};
@@ -22,10 +31,10 @@ FileImport::Found collect(const QStringList& paths, ImportTarget target,
         if (!isPlaylistFile(path)) {
             others += path;
         } else if (auto playlist = M3U8::importPlaylist(path)) {
-            found.playlistFiles += std::move(*playlist);
+            found.playlists += Playlist{QUuid(), playlist->name, tracksOf(playlist->paths)};
         }
     }
-    found.files = collectAudioFiles(others, control);
+    found.tracks = tracksOf(collectAudioFiles(others, control));
     if (paths.size() == 1) {
         const QByteArray path = absolutePath(pathToBytes(paths.front()), workingFolder());
         if (isFolder(path))

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "core/SerialQueue.h"
-#include "media/M3U8.h"
+#include "model/Track.h"
 
 #include <QStringList>
-#include <QUuid>
 #include <deque>
 
 namespace quorel {
@@ -29,9 +28,9 @@ class FileImport {
   public:
     struct Found {
         ImportTarget target;
-        QStringList files;
-        QString folderName;                ///< of the folder that came alone, else empty
-        QList<M3U8::Import> playlistFiles; ///< that were among what was named
+        QList<Track> tracks;
+        QString folderName;        ///< of the folder that came alone, else empty
+        QList<Playlist> playlists; ///< of the playlist files among what was named
     };
 
     struct Events {

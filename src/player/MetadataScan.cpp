@@ -33,6 +33,11 @@ void MetadataScan::request(const PlaylistTabs& tabs) {
     isRunning_ = !waiting_.empty();
 }
 
+void MetadataScan::cancel() {
+    waiting_.resize(nextWaiting_);
+    isRequestedAgain_ = false;
+}
+
 std::optional<MetadataScan::File> MetadataScan::next(const PlaylistTabs& tabs) {
     while (nextWaiting_ < waiting_.size()) {
         if (const Track* track = findTrack(tabs, waiting_[nextWaiting_++])) {

@@ -33,6 +33,11 @@ class MetadataScan {
     /// running, one more follows it, however often this is called.
     void request(const PlaylistTabs& tabs);
     bool isRunning() const { return isRunning_; }
+    /// Files that wait are not given out any more; the scan ends with those that were.
+    void cancel();
+
+    qsizetype filesRead() const { return qsizetype(nextWaiting_ - givenOut_); }
+    qsizetype filesInAll() const { return qsizetype(waiting_.size()); }
 
     /// The file to read next; nothing where none is left for now. Each is given back by read().
     std::optional<File> next(const PlaylistTabs& tabs);

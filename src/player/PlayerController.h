@@ -64,13 +64,20 @@ class PlayerController : public QObject {
         SerialQueue::Mode queues = SerialQueue::Mode::Threaded;
         TrackOpener open = openTrack;
         std::function<quint64()> random = {}; ///< the system's where it is empty
+        /// Takes the place of the settings' output device where it is there.
+        std::optional<QString> output = {};
     };
 
-    /// Loads the state file and applies its settings to the engine. Nothing sounds before
-    /// resumePlayback().
+    /// Loads the state file and applies its settings to the engine.
     explicit PlayerController(Parts parts);
     /// Writes what was not saved yet.
     ~PlayerController() override;
+
+    /// What can wait until the views are there: opens the output, reads tags that are missing and,
+    /// with `resume` and where the settings say so, plays on where the last session ended.
+    void start(bool resume);
+    /// With pumped queues: carries out a task of each; false where none waits.
+    bool pumpQueues();
 
     // --- What there is ---------------------------------------------------------------------------
 
@@ -127,8 +134,6 @@ class PlayerController : public QObject {
     /// The play button pressed while the track plays.
     void restartTrack();
     void seek(double time);
-    /// Plays on where the last session ended, if the settings say so.
-    void resumePlayback();
     /// True where the key did something.
     bool handleKey(Qt::Key key, Qt::KeyboardModifiers modifiers, FocusContext focus);
 
@@ -199,7 +204,6 @@ class PlayerController : public QObject {
     bool saveCustomEQPreset(const QString& name);
     void deleteCustomEQPreset(const QString& name);
     bool isCurrentEQPresetCustom() const;
-    void applyProcessing();
     void setOutputDevice(const std::optional<QString>& uid);
     void cycleVisualization();
     void setUIScale(double scale);

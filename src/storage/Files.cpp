@@ -39,6 +39,11 @@ bool isFolder(const QByteArray& path) {
     return ::stat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+qint64 fileSize(const QByteArray& path) {
+    struct stat status {};
+    return ::stat(path.constData(), &status) == 0 ? status.st_size : 0;
+}
+
 std::optional<QByteArray> readFile(const QByteArray& path) {
     if (!isRegularFile(path))
         return std::nullopt;

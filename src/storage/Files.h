@@ -13,6 +13,9 @@ bool isRegularFile(const QByteArray& path);
 /// Whether a folder is there, directly or behind symbolic links.
 bool isFolder(const QByteArray& path);
 
+/// In bytes; 0 where it is not known.
+qint64 fileSize(const QByteArray& path);
+
 /// All bytes of a regular file; nothing where it cannot be read. A pipe or a device is not opened.
 std::optional<QByteArray> readFile(const QByteArray& path);
 
