@@ -17,7 +17,7 @@ struct ImportTarget {
     };
 
     Kind kind = Kind::Playlist;
-    QUuid playlist;         ///< null: the one that is active when they were asked for
+    QUuid playlist = {};    ///< null: the one that is active when they were asked for
     qsizetype row = 0;      ///< of the gap
     bool playFirst = false; ///< the first of them is played
 };

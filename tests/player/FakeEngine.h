@@ -26,6 +26,7 @@ class FakeEngine final : public PlayerEngine {
         if (!track.file || endOf(track) <= track.trimStart)
             return Error{1, QStringLiteral("nothing to play")};
         current = track;
+        normGain = track.normGain;
         position_ = std::max(track.startAt, track.trimStart);
         playing_ = true;
         changed();

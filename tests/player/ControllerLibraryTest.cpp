@@ -1,0 +1,269 @@
+#include "media/tags/MetadataReader.h"
+#include "player/ControllerFixture.h"
+
+#include <QFile>
+#include <fstream>
+
+using namespace quorel;
+using namespace quorel::test;
+
+namespace {
+
+class ControllerLibrary : public ControllerTest {
+  protected:
+    /// A WAV file of a second of silence.
+    QString wav(const QByteArray& name) const {
+        QByteArray bytes("RIFF\x24\x3e\x00\x00WAVEfmt \x10\x00\x00\x00\x01\x00\x01\x00"
+                         "\x40\x1f\x00\x00\x80\x3e\x00\x00\x02\x00\x10\x00"
+                         "data\x00\x3e\x00\x00",
+                         44);
+        bytes.append(QByteArray(15872, '\0'));
+        return pathFromBytes(folder.write(name, bytes));
+    }
+    std::string names() const {
+        QStringList names;
+        for (qsizetype i = 0; i < controller->playlistCount(); ++i)
+            names += controller->playlistAt(i).name;
+        return names.join(u'|').toStdString();
+    }
+    void remove(std::string_view which) {
+        select(which);
+        controller->removeSelected();
+    }
+};
+
+} // namespace
+
+TEST_F(ControllerLibrary, RemovingGoesOnBehindThePlayingTrackAndIsUndone) {
+    struct Case {
+        std::string playing;
+        std::vector<std::string> removed;
+        int undone;
+        char next;
+        std::string shown;
+    };
+    const Case kCases[] = {
+        {"B", {"B"}, 0, 'C', "ACD"},      {"B", {"BC"}, 0, 'D', "AD"},
+        {"D", {"D"}, 0, '-', "ABC"},      {"B", {"B", "A"}, 0, 'C', "CD"},
+        {"B", {"B", "C"}, 1, 'C', "ACD"}, {"B", {"AB", "D"}, 2, 'C', "ABCD"},
+        {"A", {"ABCD"}, 0, '-', ""},      {"A", {"ABCD"}, 1, 'B', "ABCD"},
+    };
+    for (const Case& c : kCases) {
+        launch();
+        play(c.playing.front());
+        for (const std::string& which : c.removed)
+            remove(which);
+        EXPECT_TRUE(controller->selection().isEmpty());
+        for (int i = 0; i < c.undone; ++i)
+            controller->undoRemove();
+        EXPECT_EQ(shown(), c.shown);
+        EXPECT_EQ(playing(), c.playing.front()) << "the removed one plays on";
+        EXPECT_EQ(controller->playingTrack()->title.toStdString(), c.playing);
+        EXPECT_EQ(controller->removalUndoAvailable(), int(c.removed.size()) > c.undone);
+        controller->nextTrack();
+        advance(0.1);
+        EXPECT_EQ(playing(), c.next) << &c - kCases;
+    }
+}
+
+TEST_F(ControllerLibrary, ClosedTabsComeBackWhereTheyWere) {
+    saved.playlists = {letters("AB")};
+    launch();
+    controller->renamePlaylist(list(), QStringLiteral(" Evening "));
+    const QUuid evening = list();
+    controller->addPlaylist();
+    controller->addPlaylist(QStringLiteral("Morning"));
+    EXPECT_EQ(names(), "Evening|Playlist 2|Morning");
+    controller->setActivePlaylist(evening);
+    play('A');
+    controller->selectAll();
+    controller->closePlaylist(evening);
+    EXPECT_EQ(playing(), '-');
+    EXPECT_TRUE(controller->selection().isEmpty());
+    EXPECT_EQ(controller->closedPlaylistName(), QStringLiteral("Evening"));
+    controller->closePlaylist(list());
+    controller->closePlaylist(list());
+    EXPECT_EQ(names(), "Playlist 1") << "a fresh one takes the place of the last";
+    controller->undoRenamePlaylist(); // of a closed one: only its step is used up
+    EXPECT_FALSE(controller->renameUndoAvailable());
+    controller->undoClosePlaylist();
+    EXPECT_EQ(names(), "Morning");
+    controller->undoClosePlaylist();
+    controller->undoClosePlaylist();
+    EXPECT_EQ(names(), "Evening|Playlist 2|Morning");
+    EXPECT_EQ(controller->activePlaylistID(), evening);
+    EXPECT_EQ(shown(), "AB");
+    EXPECT_FALSE(controller->closedPlaylistUndoAvailable());
+}
+
+TEST_F(ControllerLibrary, FilesLandInTheOrderTheyWereAskedFor) {
+    const QString song = wav("music/one.wav");
+    wav("music/two.wav");
+    const QString other = wav("other.wav");
+    folder.write("music/cover.jpg");
+    const QString playlistFile =
+        pathFromBytes(folder.write("Twice.m3u8", "#EXTM3U\nother.wav\nmusic/one.wav\nother.wav\n"));
+    launch();
+    const QUuid first = list();
+    controller->addPlaylist();
+    const QUuid second = controller->activePlaylistID();
+    const QString music = pathFromBytes(folder.path("music"));
+    controller->importPaths({music},
+                            {.kind = ImportTarget::Kind::Gap, .playlist = first, .row = 1});
+    controller->importPaths({other}, {.playlist = second});
+    controller->importPaths({song}, {});
+    controller->importPaths({music}, {.kind = ImportTarget::Kind::NewPlaylist});
+    controller->importPaths({playlistFile}, {.playFirst = true});
+    EXPECT_EQ(controller->activity()->kind, Activity::Kind::Collecting);
+    controller->closePlaylist(second);
+    settle();
+    EXPECT_EQ(names(), "Letters|music|Twice") << "what was meant for a closed tab is dropped";
+    EXPECT_EQ(lettersOf(controller->findPlaylist(first)->tracks), "AonetwoBCD");
+    EXPECT_EQ(shown(), "otheroneother") << "in the file's order, duplicates kept";
+    EXPECT_EQ(controller->playingTrack()->path, other);
+    EXPECT_EQ(controller->playingPlaylistID(), list(2));
+    for (const Track& track : controller->activePlaylist().tracks)
+        EXPECT_NEAR(track.duration.value_or(0), 0.992, 1e-9) << "its tags were read";
+    EXPECT_FALSE(controller->activity());
+
+    controller->importPaths({music}, {});
+    controller->cancelActivity();
+    settle();
+    EXPECT_EQ(controller->activePlaylist().tracks.size(), 3);
+    EXPECT_EQ(controller->newPlaylist({}), std::nullopt);
+    std::optional<Error> error;
+    controller->loadPlaylist(music, [&error](const auto& failed) { error = failed; });
+    settle();
+    EXPECT_TRUE(error && error->description.contains(QStringLiteral("music")));
+    EXPECT_FALSE(controller->savePlaylist(list(2), pathFromBytes(folder.path("copy.m3u8"))));
+    controller->loadPlaylist(pathFromBytes(folder.path("copy.m3u8")));
+    settle();
+    EXPECT_EQ(shown(), "otheroneother");
+    EXPECT_TRUE(controller->savePlaylist(list(), pathFromBytes(folder.path("no/folder.m3u8"))));
+}
+
+TEST_F(ControllerLibrary, SavedTagsShowAtOnce) {
+    QByteArray frame = QByteArray::fromHex("fffb9064") + QByteArray(413, '\0');
+    const QString mp3 = pathFromBytes(folder.write("song.mp3", frame.repeated(40)));
+    launch();
+    controller->addFiles({mp3, wav("other.wav")});
+    settle();
+    const QList<Track> before = controller->activePlaylist().tracks;
+    ID3Writer::Tags tags;
+    tags.artist = QStringLiteral("Her");
+    tags.trackNumber = 7;
+    EXPECT_FALSE(controller->saveTags(before.at(4).id, tags));
+    const Track& after = controller->activePlaylist().tracks.at(4);
+    EXPECT_EQ(after.title, QString()) << "an empty title stays a text";
+    EXPECT_EQ(after.album, std::nullopt);
+    EXPECT_EQ(after.trackNumber, 7);
+    EXPECT_EQ(after.duration, before.at(4).duration);
+    EXPECT_EQ(MetadataReader::read(mp3).artist, QStringLiteral("Her"));
+    controller->setSearchText(QStringLiteral("her"));
+    EXPECT_EQ(controller->visibleTracks().size(), 2) << "its new artist, and \"other\"";
+
+    const auto refused = controller->saveTags(before.at(5).id, tags);
+    EXPECT_EQ(refused->description, QStringLiteral("Tag writing is supported for MP3 files only"));
+    EXPECT_EQ(controller->activePlaylist().tracks.at(5).artist, before.at(5).artist);
+    EXPECT_FALSE(controller->saveTags(QUuid::createUuid(), tags)) << "an unknown track is no error";
+}
+
+TEST_F(ControllerLibrary, SelectsWhatIsVisible) {
+    launch();
+    controller->setSearchText(QStringLiteral(" b "));
+    controller->selectAll();
+    EXPECT_EQ(lettersOf(controller->selection().ids()), "B");
+    controller->removeSelected();
+    EXPECT_EQ(controller->visibleTracks().size(), 0);
+    controller->undoRemove();
+    EXPECT_EQ(controller->visibleTracks(), VisibleRows(std::vector<qint32>{1}));
+    controller->setSearchText({});
+    controller->selectAll();
+    controller->addPlaylist();
+    EXPECT_TRUE(controller->selection().isEmpty());
+}
+
+TEST_F(ControllerLibrary, IsSavedHalfASecondAfterTheLastChange) {
+    launch();
+    advance(3); // what starting changed is saved
+    const auto written = [this] {
+        return std::filesystem::last_write_time(folder.path("state.json").toStdString());
+    };
+    const auto before = written();
+    for (int i = 0; i < 10; ++i) {
+        controller->setVolume(0.05 * i);
+        advance(0.03);
+    }
+    advance(0.4);
+    EXPECT_EQ(written(), before);
+    advance(0.1);
+    EXPECT_NE(written(), before);
+    EXPECT_EQ(stored().settings.volume, 0.45);
+    for (int i = 0; i < 20; ++i) {
+        controller->setVolume(0.04 * i);
+        advance(0.12);
+    }
+    EXPECT_GT(stored().settings.volume, 0.5) << "a change that goes on is saved meanwhile";
+    controller->addPlaylist(QStringLiteral("Last"));
+    quit();
+    EXPECT_EQ(stored().playlists.size(), 2);
+    EXPECT_EQ(stored().playlists.back().name, QStringLiteral("Last"));
+}
+
+TEST_F(ControllerLibrary, ResumesWhereItEnded) {
+    saved.settings.resumeOnStartup = true;
+    launch();
+    EXPECT_EQ(playing(), '-');
+    play('C');
+    advance(7);
+    EXPECT_NEAR(stored().resumePosition.value_or(0), 5, 0.3) << "kept every five seconds";
+    quit();
+    EXPECT_NEAR(stored().resumePosition.value_or(0), 7, 0.3) << "and at the end";
+    relaunch();
+    EXPECT_EQ(playing(), 'C');
+    EXPECT_NEAR(controller->playback().currentTime(), 7, 0.3);
+    EXPECT_TRUE(controller->playback().isPlaying());
+    EXPECT_EQ(folder.names().size(), 2U) << "the state and a mark";
+    advance(3.1);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"state.json"}) << "it plays without harm";
+
+    quit();
+    folder.write("state.json.resuming"); // as left by a crash
+    relaunch();
+    EXPECT_EQ(playing(), '-') << "what crashed is not tried again";
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"state.json"});
+    missing = "C";
+    relaunch();
+    EXPECT_EQ(playing(), '-') << "nothing else plays in its place";
+    play('A');
+    controller->stop();
+    quit();
+    EXPECT_EQ(stored().resumeTrackID, std::nullopt);
+    missing.clear();
+}
+
+TEST_F(ControllerLibrary, TellsOnceWhenEverythingIsAsItWillBe) {
+    launch();
+    play('B');
+    std::string told;
+    QObject::connect(controller.get(), &PlayerController::tracksEdited,
+                     [&](const QUuid&, const TracksEdit& edit) {
+                         told += 'e';
+                         EXPECT_EQ(edit.ranges, (std::vector<RowRange>{{1, 2}}));
+                         EXPECT_EQ(shown(), "AD");
+                         EXPECT_TRUE(controller->selection().isEmpty());
+                         EXPECT_TRUE(controller->removalUndoAvailable());
+                     });
+    QObject::connect(controller.get(), &PlayerController::selectionChanged, [&] { told += 's'; });
+    QObject::connect(controller.get(), &PlayerController::undoChanged, [&] { told += 'u'; });
+    QObject::connect(controller.get(), &PlayerController::playingTrackChanged,
+                     [&] { told += 'p'; });
+    select("BC");
+    told.clear();
+    controller->removeSelected();
+    EXPECT_EQ(told, "esu");
+    told.clear();
+    controller->nextTrack();
+    advance(0.1);
+    EXPECT_EQ(told, "p");
+}

@@ -1,0 +1,159 @@
+#include "player/ControllerFixture.h"
+
+#include <limits>
+
+using namespace quorel;
+using namespace quorel::test;
+
+namespace {
+
+using ControllerSettings = ControllerTest;
+
+QList<double> gains(double low) {
+    QList<double> gains(kEqBands, 0.0);
+    gains[0] = low;
+    return gains;
+}
+
+} // namespace
+
+TEST_F(ControllerSettings, VolumeAndMute) {
+    saved.settings.loudness = true;
+    launch();
+    EXPECT_EQ(engine->volume, 0.5);
+    EXPECT_EQ(engine->loudnessAt, 0.5);
+    struct Case {
+        const char* what;
+        std::function<void(PlayerController&)> change;
+        double heard;
+        double tone;
+        bool muted;
+    };
+    const Case kCases[] = {
+        {"muted", [](PlayerController& p) { p.toggleMute(); }, 0, 0.5, true},
+        {"down to nothing stays so", [](PlayerController& p) { p.setVolume(0); }, 0, 0, true},
+        {"raised", [](PlayerController& p) { p.setVolume(0.3); }, 0.3, 0.3, false},
+        {"too far", [](PlayerController& p) { p.setVolume(7); }, 1, 1, false},
+        {"no number", [](PlayerController& p) { p.setVolume(std::nan("")); }, 0, 0, false},
+    };
+    for (const Case& c : kCases) {
+        c.change(*controller);
+        EXPECT_EQ(engine->volume, c.heard) << c.what;
+        EXPECT_EQ(engine->loudnessAt, c.tone) << c.what;
+        EXPECT_EQ(controller->settings().isMuted, c.muted) << c.what;
+    }
+    controller->setPan(-3);
+    EXPECT_EQ(engine->pan, -1);
+}
+
+TEST_F(ControllerSettings, EqualizerPresets) {
+    launch();
+    controller->setEQGain(0, 6);
+    controller->setEQGain(-1, 6);
+    controller->setEQGain(10, 6);
+    EXPECT_EQ(engine->eqGains[0], 6);
+    EXPECT_EQ(controller->settings().eqGains, gains(6));
+    EXPECT_FALSE(controller->saveCustomEQPreset(QStringLiteral("  flat ")));
+    EXPECT_FALSE(controller->saveCustomEQPreset(QStringLiteral(" \n")));
+    EXPECT_TRUE(controller->saveCustomEQPreset(QStringLiteral(" Mine\n")));
+    EXPECT_TRUE(controller->isCurrentEQPresetCustom());
+    controller->setEQGain(0, 3);
+    EXPECT_TRUE(controller->saveCustomEQPreset(QStringLiteral("Mine")));
+    EXPECT_EQ(controller->settings().customEQPresets.size(), 1);
+
+    controller->applyEQPreset(QStringLiteral("bass"));
+    EXPECT_EQ(engine->eqGains[0], 7);
+    EXPECT_FALSE(engine->eqEnabled);
+    controller->setEQEnabled(true);
+    EXPECT_TRUE(engine->eqEnabled);
+    controller->applyEQPreset(QStringLiteral("unheard of"));
+    EXPECT_EQ(controller->settings().eqPreset, QStringLiteral("bass"));
+    controller->saveCustomEQPreset(QStringLiteral("Other"));
+    controller->deleteCustomEQPreset(QStringLiteral("Mine"));
+    EXPECT_EQ(controller->settings().eqPreset, QStringLiteral("Other"));
+    controller->deleteCustomEQPreset(QStringLiteral("Other"));
+    EXPECT_EQ(controller->settings().eqPreset, QStringLiteral("flat"));
+    EXPECT_EQ(engine->eqGains[0], 0);
+    controller->applyEQPreset(QStringLiteral("rock"));
+    controller->resetEQ();
+    EXPECT_FALSE(engine->eqEnabled);
+    EXPECT_EQ(controller->settings().eqGains, gains(0));
+}
+
+TEST_F(ControllerSettings, StoredValuesOutOfRangeAreLimitedInUseOnly) {
+    saved.settings.volume = 3;
+    saved.settings.pan = -9;
+    saved.settings.eqGains = {99, -99};
+    saved.settings.uiScale = 40;
+    launch();
+    EXPECT_EQ(engine->volume, 1);
+    EXPECT_EQ(engine->pan, -1);
+    EXPECT_EQ(engine->eqGains[0], 12);
+    EXPECT_EQ(engine->eqGains[1], -12);
+    EXPECT_EQ(engine->eqGains[2], 0);
+    controller->toggleShuffle();
+    quit();
+    saved.settings.shuffle = true;
+    EXPECT_EQ(stored().settings, saved.settings);
+}
+
+TEST_F(ControllerSettings, LoudnessIsTheTracksOrItsFoldersOrLow) {
+    saved.settings.normalize = true;
+    saved.playlists.front().tracks[1].peakLinear = 0.4;
+    saved.playlists.front().tracks[1].rmsLinear = 0.0792; // -22 dBFS, to be raised by 6 dB
+    launch();
+    play('B');
+    EXPECT_NEAR(engine->normGain, 2, 0.01);
+    play('C');
+    EXPECT_NEAR(engine->normGain, 2, 0.01) << "the folder's median";
+    controller->changeSettings([](AppSettings& s) { s.normalize = false; });
+    EXPECT_EQ(engine->normGain, 1);
+    saved.playlists.front().tracks[1].rmsLinear.reset();
+    launch();
+    play('C');
+    EXPECT_NEAR(engine->normGain, 0.501, 1e-3) << "6 dB down while nothing is known";
+}
+
+TEST_F(ControllerSettings, TheWindowFollows) {
+    struct Window final : PlayerWindow {
+        void setAlwaysOnTop(bool on) override { log += on ? "T" : "t"; }
+        void setPlaylistShown(bool on, bool) override { log += on ? "P" : "p"; }
+        void setFullScreen(bool on) override { log += on ? "F" : "f"; }
+        void setScale(double scale, bool) override { log += std::to_string(int(scale * 10)); }
+        void setWordmarkIcon(bool on) override { log += on ? "W" : "w"; }
+        void raiseWindow() override { log += "r"; }
+        std::string log;
+    } window;
+    saved.settings.uiScale = 9;
+    launch();
+    controller->attachWindow(&window);
+    EXPECT_EQ(std::exchange(window.log, {}), "15Ptw");
+    const AppSettings before = controller->settings();
+    controller->setUIScale(0.1);
+    controller->togglePlaylistVisible();
+    controller->setFullScreen(true);
+    controller->fullScreenChanged(true);
+    controller->togglePlaylistVisible(); // not in full screen
+    controller->changeSettings([](AppSettings& s) {
+        s.alwaysOnTop = true;
+        s.volume = 0.1;
+        s.fadeStopOn = true;
+    });
+    EXPECT_EQ(std::exchange(window.log, {}), "5pFT");
+    controller->restoreSettings(before);
+    EXPECT_EQ(window.log, "15t");
+    EXPECT_FALSE(controller->settings().showPlaylist) << "not a field of the settings window";
+    EXPECT_EQ(controller->settings().volume, 0.1);
+    EXPECT_FALSE(controller->settings().fadeStopOn);
+    controller->attachWindow(nullptr);
+}
+
+TEST_F(ControllerSettings, VisualisationsGoRound) {
+    launch();
+    std::string seen;
+    for (int i = 0; i < 5; ++i) {
+        controller->cycleVisualization();
+        seen += std::string(rawValue(controller->settings().visualization)) + ' ';
+    }
+    EXPECT_EQ(seen, "led off spectrum scope vu ");
+}
