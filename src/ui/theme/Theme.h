@@ -1,14 +1,16 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 
+// NOLINTNEXTLINE(readability-identifier-naming): read as the table of one type's values.
 namespace quorel::Theme {
 
 // The colours of every view, sRGB. The interface is always dark.
 
 namespace detail {
 constexpr QColor colour(double red, double green, double blue, double alpha = 1) {
-    const auto part = [](double value) { return static_cast<int>(value * 255 + 0.5); };
+    const auto part = [](double value) { return qRound(value * 255); };
     return QColor(part(red), part(green), part(blue), part(alpha));
 }
 } // namespace detail
@@ -26,5 +28,16 @@ inline constexpr QColor lcd = detail::colour(0.149, 1, 0.478);             ///< 
 inline constexpr QColor gold = detail::colour(0.788, 0.627, 0.353);        ///< accents
 inline constexpr QColor selection = detail::colour(0, 0.353, 0.784, 0.35); ///< selected rows
 inline constexpr QColor danger = detail::colour(0.878, 0.353, 0.290);      ///< destructive, errors
+
+/// The type scale: 15, 13, 11 and 9 base units. Indicators are set in capitals by their writers.
+enum class TextRole { Title, Body, Strong, Small, Indicator };
+
+/// The desktop's interface family in base units, for painting under the interface's scale.
+QFont font(TextRole role);
+
+/// The same colour with an opacity of 0..1.
+inline QColor faded(QColor colour, double alpha) {
+    return QColor(colour.red(), colour.green(), colour.blue(), qRound(alpha * 255));
+}
 
 } // namespace quorel::Theme

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "core/Clock.h"
+#include "ui/controls/MarqueePath.h"
+#include "ui/theme/Theme.h"
+
+#include <QWidget>
+#include <memory>
+
+namespace quorel {
+
+/// One line of text that moves to and fro when it is too long for its room, or is cut short with
+/// reduced animation. Neither repaints nor keeps a timer while it fits or is hidden.
+class MarqueeLabel final : public QWidget {
+    Q_OBJECT
+
+  public:
+    static constexpr Clock::Duration kFrame = std::chrono::milliseconds(33);
+
+    /// The clock outlives the label.
+    explicit MarqueeLabel(Clock& clock, QWidget* parent = nullptr);
+
+    const QString& text() const { return text_; }
+    /// A new text starts from its beginning; it becomes the accessible name.
+    void setText(const QString& text);
+    void setRole(Theme::TextRole role);
+    void setColour(const QColor& colour);
+
+    /// How far the text is shifted to the left now, in base units.
+    double offset() const { return offset_; }
+    bool isMoving() const { return timer_ != nullptr; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    double textWidth() const;
+    void restart();
+    void step();
+
+    Clock& clock_;
+    QString text_;
+    Theme::TextRole role_ = Theme::TextRole::Title;
+    QColor colour_ = Theme::text;
+    MarqueePath path_;
+    Clock::Duration start_{0};
+    double offset_ = 0;
+    std::unique_ptr<Timer> timer_; ///< until the end of a rest, or for the next frame
+};
+
+} // namespace quorel

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ui/controls/ValueSlider.h"
+
+namespace quorel {
+
+/// A horizontal track filled from the left up to the value, 0..1: volume, position.
+class FillSlider final : public ValueSlider {
+    Q_OBJECT
+
+  public:
+    explicit FillSlider(QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  protected:
+    QPointF handleAt(double value) const override;
+    double valueAt(QPointF position) const override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// A horizontal track around a centre, -1..1, with a detent at 0, where a double click leads.
+class PanSlider final : public ValueSlider {
+    Q_OBJECT
+
+  public:
+    explicit PanSlider(QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+  protected:
+    QPointF handleAt(double value) const override;
+    double valueAt(QPointF position) const override;
+    double detent(double value) const override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+/// An upright track for a gain of -12..+12 dB with a line at 0 dB, where a double click leads.
+class EQBandSlider final : public ValueSlider {
+    Q_OBJECT
+
+  public:
+    explicit EQBandSlider(QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  protected:
+    QPointF handleAt(double value) const override;
+    double valueAt(QPointF position) const override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace quorel

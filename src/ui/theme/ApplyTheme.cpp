@@ -1,0 +1,59 @@
+#include "ui/theme/ApplyTheme.h"
+
+#include "ui/theme/FocusVisible.h"
+#include "ui/theme/PanelStyle.h"
+#include "ui/theme/Scale.h"
+#include "ui/theme/Theme.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QToolTip>
+#include <QWidget>
+
+namespace quorel {
+
+namespace {
+
+/// What standard controls write in: whole pixels, for they paint at the size they have.
+void setScaledFont() {
+    QFont font = Theme::font(Theme::TextRole::Body);
+    font.setPixelSize(px(font.pixelSize()));
+    QApplication::setFont(font);
+    QToolTip::setFont(font);
+}
+
+} // namespace
+
+void applyTheme(QApplication& application) {
+    QApplication::setStyle(new PanelStyle);
+    QApplication::setPalette(PanelStyle::panelPalette());
+    QToolTip::setPalette(PanelStyle::panelPalette());
+    setScaledFont();
+    watchKeyboardFocus(application);
+}
+
+void setInterfaceScale(double scale) {
+    if (qFuzzyCompare(scale, uiScale()))
+        return;
+    QWidgetList frozen;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->updatesEnabled()) {
+            window->setUpdatesEnabled(false);
+            frozen.append(window);
+        }
+    }
+    setUiScaleFactor(scale);
+    setScaledFont();
+    for (QWidget* widget : QApplication::allWidgets()) {
+        // Qt would tell them of the font in the next turn of the loop; the layouts need it now.
+        for (const QEvent::Type type : {QEvent::ApplicationFontChange, QEvent::StyleChange}) {
+            QEvent change(type);
+            QApplication::sendEvent(widget, &change);
+        }
+        widget->updateGeometry();
+    }
+    for (QWidget* window : frozen)
+        window->setUpdatesEnabled(true);
+}
+
+} // namespace quorel
