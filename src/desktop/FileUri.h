@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace quorel {
+
+// Paths as file URIs and back, byte by byte: QUrl would lose those that are not UTF-8.
+
+/// The file URI of an absolute path, which is kept as model/Path.h says.
+QString fileUri(const QString& path);
+
+/// The path that a file URI of this machine names; nothing where it is none or is badly encoded.
+std::optional<QString> pathOfFileUri(const QString& uri);
+
+} // namespace quorel
