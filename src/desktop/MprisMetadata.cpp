@@ -1,6 +1,6 @@
 #include "desktop/MprisMetadata.h"
 
-#include "desktop/FileUri.h"
+#include "model/FileUri.h"
 
 #include <cmath>
 

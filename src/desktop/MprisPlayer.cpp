@@ -1,7 +1,7 @@
 #include "desktop/MprisPlayer.h"
 
-#include "desktop/FileUri.h"
 #include "desktop/MprisMetadata.h"
+#include "model/FileUri.h"
 #include "player/PlayerController.h"
 
 #include <algorithm>

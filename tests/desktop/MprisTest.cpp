@@ -1,8 +1,8 @@
 #include "desktop/Mpris.h"
 
-#include "desktop/FileUri.h"
 #include "desktop/MprisMetadata.h"
 #include "desktop/SessionBus.h"
+#include "model/FileUri.h"
 #include "player/ControllerFixture.h"
 
 #include <gmock/gmock.h>

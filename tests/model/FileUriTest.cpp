@@ -1,4 +1,4 @@
-#include "desktop/FileUri.h"
+#include "model/FileUri.h"
 
 #include "model/Path.h"
 

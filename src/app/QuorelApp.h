@@ -1,0 +1,48 @@
+#pragma once
+
+#include "app/CommandLine.h"
+#include "core/QtClock.h"
+#include "player/PlayerController.h"
+#include "ui/MainWindow.h"
+#include "update/UpdateChecker.h"
+
+#include <QObject>
+#include <memory>
+
+class QSystemTrayIcon;
+
+namespace quorel {
+
+class Mpris;
+class SingleInstance;
+
+/// The running program: one controller, one update checker, one window, and what ties them to the
+/// desktop.
+class QuorelApp final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// `instance` is the first, and outlives the app.
+    QuorelApp(const CommandLine& line, const QString& stateFile, SingleInstance& instance);
+    ~QuorelApp() override;
+
+    void show();
+
+  private:
+    void settleIn();
+    void open(const QStringList& paths);
+    void windowClosed();
+    void showTrayIcon();
+    void quit();
+
+    QtClock clock_;
+    const QStringList paths_;
+    SingleInstance& instance_;
+    PlayerController player_;
+    UpdateChecker updates_;
+    MainWindow window_;
+    std::unique_ptr<Mpris> mpris_;
+    std::unique_ptr<QSystemTrayIcon> tray_;
+};
+
+} // namespace quorel

@@ -1,0 +1,55 @@
+// The program with a window.
+#include "app/CommandLine.h"
+#include "app/QuorelApp.h"
+#include "desktop/ActivationToken.h"
+#include "desktop/SingleInstance.h"
+#include "storage/Persistence.h"
+#include "ui/theme/ApplyTheme.h"
+
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+
+using namespace quorel;
+
+namespace {
+
+bool hasDisplay() {
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    return (!platform.isEmpty() && !platform.startsWith("xcb") &&
+            !platform.startsWith("wayland")) ||
+           qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    const CommandLine line = CommandLine::parse({argv + 1, argv + argc});
+    if (line.answer) {
+        std::fprintf(line.answer->status == 0 ? stdout : stderr, "%s\n",
+                     qUtf8Printable(line.answer->text));
+        return line.answer->status;
+    }
+    const QString stateFile = Persistence::dataURL();
+    SingleInstance instance(stateFile);
+    if (!instance.isFirst()) {
+        if (instance.handOver(line.paths, launchActivationToken()))
+            return EXIT_SUCCESS;
+        if (!instance.isFirst()) {
+            std::fprintf(stderr, "quorel: %s\n", qUtf8Printable(SingleInstance::noAnswerNotice()));
+            return EXIT_FAILURE;
+        }
+    }
+    if (!hasDisplay()) {
+        std::fputs("quorel: There is no display. \"quorel-cli play\" plays without one.\n", stderr);
+        return EXIT_FAILURE;
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quorel"));
+    QApplication::setApplicationVersion(QStringLiteral(QUOREL_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("quorel"));
+    applyTheme(application);
+    QuorelApp app(line, stateFile, instance);
+    app.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,70 @@
+#include "ui/KeyFilter.h"
+
+#include "player/PlayerController.h"
+#include "ui/controls/ValueSlider.h"
+#include "ui/theme/FocusVisible.h"
+
+#include <QAbstractSlider>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <QTextEdit>
+
+namespace quorel {
+
+namespace {
+
+template <class... Kinds>
+bool isOneOf(QWidget* widget) {
+    return (... || (qobject_cast<Kinds*>(widget) != nullptr));
+}
+
+} // namespace
+
+bool isEditingText() {
+    QWidget* const focus = QApplication::focusWidget();
+    return focus && (isOneOf<QLineEdit, QTextEdit, QPlainTextEdit, QAbstractSpinBox>(focus));
+}
+
+KeyFilter::KeyFilter(PlayerController& player, QObject* parent)
+    : QObject(parent)
+    , player_(player) {
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+FocusContext KeyFilter::focusContext() {
+    QWidget* const focus = QApplication::focusWidget();
+    if (isEditingText())
+        return {FocusKind::TextField, false};
+    if (focus && isOneOf<ValueSlider, QAbstractSlider, QComboBox, QTabBar>(focus))
+        return {FocusKind::ArrowControl, showsFocusRing(focus)};
+    return {};
+}
+
+bool KeyFilter::eventFilter(QObject* watched, QEvent* event) {
+    const bool isOverride = event->type() == QEvent::ShortcutOverride;
+    if ((!isOverride && event->type() != QEvent::KeyPress) || !watched->isWidgetType())
+        return false;
+    if (QApplication::activePopupWidget() || QApplication::activeModalWidget())
+        return false;
+    const auto* const key = static_cast<QKeyEvent*>(event);
+    const auto modifiers = key->modifiers() & ~Qt::KeypadModifier; // arrows of some layouts have it
+    const FocusContext focus = focusContext();
+    const auto pressed = static_cast<Qt::Key>(key->key());
+    if (isOverride) {
+        // Says beforehand that no menu shall have the key.
+        const KeyAction action =
+            actionOfKey(pressed, modifiers, focus, player_.playback().isLoaded());
+        if (action.kind == KeyAction::Kind::PassOn)
+            return false;
+        event->accept();
+        return true;
+    }
+    return player_.handleKey(pressed, modifiers, focus);
+}
+
+} // namespace quorel

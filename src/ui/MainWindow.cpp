@@ -1,0 +1,161 @@
+#include "ui/MainWindow.h"
+
+#include "player/PlayerController.h"
+#include "ui/AppIcon.h"
+#include "ui/FileDialogs.h"
+#include "ui/KeyFilter.h"
+#include "ui/Menus.h"
+#include "ui/StatusBar.h"
+#include "ui/UpdateBanner.h"
+#include "ui/panel/PlayerPanel.h"
+#include "ui/playlist/TrackListView.h"
+#include "ui/texts/Texts.h"
+#include "ui/theme/Scale.h"
+#include "update/UpdateChecker.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace quorel {
+
+namespace {
+
+constexpr QSize kFirstSize(560, 600); // in base units, with the playlist
+constexpr int kNoLimit = QWIDGETSIZE_MAX;
+
+} // namespace
+
+MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& clock)
+    : player_(player)
+    , content_(new QWidget(this))
+    , panel_(new PlayerPanel(player, clock, content_))
+    , tracks_(new TrackListView(player, content_))
+    , scaledFit_(clock, *this) {
+    setAcceptDrops(true);
+    auto* const menus = new Menus(player, updates, *menuBar(), *this);
+    connect(menus, &Menus::quitRequested, this, &MainWindow::quitRequested);
+    auto* const column = new QVBoxLayout(content_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(new UpdateBanner(updates, content_));
+    column->addWidget(panel_);
+    column->addWidget(tracks_, 1);
+    column->addWidget(new StatusBar(player, content_));
+    setCentralWidget(content_);
+    new KeyFilter(player, this);
+    connect(&player, &PlayerController::playingTrackChanged, this, &MainWindow::refreshTitle);
+    refreshTitle();
+    resize(px(kFirstSize.width()), px(kFirstSize.height()));
+    tracks_->setFocus();
+    player.attachWindow(this);
+}
+
+MainWindow::~MainWindow() {
+    player_.attachWindow(nullptr);
+}
+
+void MainWindow::refreshTitle() {
+    const Track* const playing = player_.playingTrack();
+    setWindowTitle(playing ? tr("%1 — Quorel").arg(rowLabel(*playing)) : QStringLiteral("Quorel"));
+}
+
+bool MainWindow::canStayOnTop() {
+    return !QGuiApplication::platformName().startsWith(QLatin1String("wayland"));
+}
+
+void MainWindow::setAlwaysOnTop(bool onTop) {
+    // The platform's window takes the hint over without being hidden and shown again.
+    if (QWindow* const window = windowHandle())
+        window->setFlag(Qt::WindowStaysOnTopHint, onTop);
+    else
+        setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
+}
+
+/// Without the playlist only the width can be changed.
+void MainWindow::limitHeight() {
+    if (player_.settings().showPlaylist || isFullScreen()) {
+        setMaximumHeight(kNoLimit);
+        return;
+    }
+    const int height = minimumSizeHint().height();
+    setMaximumHeight(height);
+    if (!isMaximized())
+        resize(width(), height);
+}
+
+void MainWindow::setPlaylistShown(bool shown, bool) {
+    if (shown != tracks_->isHidden())
+        return;
+    if (!shown)
+        playlistHeight_ = qRound(tracks_->height() / uiScale());
+    tracks_->setVisible(shown);
+    layout()->activate();
+    limitHeight();
+    if (shown && !isMaximized() && !isFullScreen())
+        resize(width(), height() + px(std::max(playlistHeight_, 240)));
+    panel_->setFocus();
+}
+
+void MainWindow::setFullScreen(bool fullScreen) {
+    setMaximumHeight(kNoLimit);
+    setWindowState(windowState().setFlag(Qt::WindowFullScreen, fullScreen));
+}
+
+void MainWindow::setScale(double scale, bool animated) {
+    setMaximumHeight(kNoLimit);
+    scaledFit_.setScale(scale, animated);
+    if (!scaledFit_.isMoving())
+        limitHeight();
+}
+
+void MainWindow::setWordmarkIcon(bool shown) {
+    setWindowIcon(appIcon(shown));
+}
+
+void MainWindow::raiseWindow() {
+    if (isMinimized())
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    event->accept();
+    Q_EMIT closeRequested();
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange)
+        return;
+    player_.fullScreenChanged(isFullScreen());
+    limitHeight();
+}
+
+void MainWindow::paintEvent(QPaintEvent* event) {
+    QMainWindow::paintEvent(event);
+    if (std::exchange(wasPainted_, true))
+        return;
+    QMetaObject::invokeMethod(this, &MainWindow::shownFirst, Qt::QueuedConnection);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const QStringList paths = pathsOf(event->mimeData()->urls());
+    if (paths.isEmpty())
+        return;
+    event->acceptProposedAction();
+    player_.importPaths(paths, {});
+}
+
+} // namespace quorel

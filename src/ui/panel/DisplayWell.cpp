@@ -1,0 +1,179 @@
+#include "ui/panel/DisplayWell.h"
+
+#include "player/PlayerController.h"
+#include "ui/controls/LcdDigits.h"
+#include "ui/controls/MarqueeLabel.h"
+#include "ui/texts/Texts.h"
+#include "ui/theme/BasePainter.h"
+#include "ui/theme/Icons.h"
+#include "ui/theme/Surfaces.h"
+#include "ui/theme/Theme.h"
+#include "ui/visualisers/VisualizationView.h"
+
+#include <QEvent>
+#include <QFontMetricsF>
+#include <algorithm>
+
+namespace quorel {
+
+namespace {
+
+// In base units.
+constexpr double kHeight = 124;
+constexpr double kPadding = 14;
+constexpr double kTitleHeight = 24;
+constexpr double kInfoHeight = 18;
+constexpr double kLeastLeft = 220;
+constexpr double kLeastVisualization = 240;
+/// Wider, the dials of the meters would be stretched out of shape.
+constexpr double kMostVisualization = 520;
+constexpr QSizeF kTime(118, 44);
+
+double visualizationWidth(double width) {
+    return std::clamp(width * 0.54, kLeastVisualization, kMostVisualization);
+}
+
+} // namespace
+
+DisplayWell::DisplayWell(PlayerController& player, Clock& clock, QWidget* parent)
+    : QWidget(parent)
+    , player_(player)
+    , title_(new MarqueeLabel(clock, this))
+    , time_(new LcdDigits(this))
+    , visualization_(new VisualizationView(this)) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(time_, &QAbstractButton::clicked, this, [this] {
+        player_.changeSettings([](AppSettings& settings) {
+            settings.showRemainingTime = !settings.showRemainingTime;
+        });
+    });
+    connect(visualization_, &QAbstractButton::clicked, this,
+            [this] { player_.cycleVisualization(); });
+    connect(&player, &PlayerController::playingTrackChanged, this, &DisplayWell::showTrack);
+    connect(&player, &PlayerController::transportChanged, this, &DisplayWell::showTrack);
+    connect(&player, &PlayerController::settingsChanged, this, &DisplayWell::showSettings);
+    connect(&player.playback(), &PlaybackState::positionChanged, this, &DisplayWell::showTime);
+    connect(&player.playback(), &PlaybackState::metersChanged, this, &DisplayWell::showMeters);
+    showSettings();
+    showTrack();
+    showMeters();
+}
+
+QSize DisplayWell::sizeHint() const {
+    return {px(kLeastLeft + 340), px(kHeight)};
+}
+
+QSize DisplayWell::minimumSizeHint() const {
+    return {px(kLeastLeft + kLeastVisualization + 3 * kPadding), px(kHeight)};
+}
+
+void DisplayWell::showTrack() {
+    const Track* const playing = player_.playingTrack();
+    shownDuration_ = player_.playback().duration();
+    title_->setText(marqueeText(playing, shownDuration_));
+    title_->setColour(playing ? Theme::text : Theme::textDim);
+    format_ = playing ? formatInfoText(*playing) : QString();
+    setAccessibleName(format_);
+    showTime();
+    update();
+}
+
+void DisplayWell::showTime() {
+    const PlaybackState& state = player_.playback();
+    if (state.duration() != shownDuration_)
+        showTrack();
+    time_->showTime(timeText(state.isLoaded(), player_.settings().showRemainingTime,
+                             state.currentTime(), state.duration()));
+}
+
+void DisplayWell::showSettings() {
+    const AppSettings& settings = player_.settings();
+    time_->setToolTip(settings.showRemainingTime ? tr("Time remaining — click to show elapsed")
+                                                 : tr("Elapsed time — click to show remaining"));
+    visualization_->setMode(settings.visualization);
+    visualization_->setBrightness(std::clamp(settings.ledBrightness, 0.2, 1.0));
+    showTime();
+    update();
+}
+
+/// A window that cannot be seen needs no pictures.
+void DisplayWell::showMeters() {
+    if (isVisible() && !window()->isMinimized())
+        visualization_->setValues(player_.playback().meters());
+}
+
+void DisplayWell::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    showMeters();
+}
+
+void DisplayWell::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    place();
+}
+
+void DisplayWell::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        place();
+}
+
+void DisplayWell::place() {
+    const double scale = uiScale();
+    const auto put = [scale](QWidget* widget, const QRectF& base) {
+        widget->setGeometry(QRectF(base.topLeft() * scale, base.size() * scale).toAlignedRect());
+    };
+    const QRectF area = baseRect(*this);
+    const double pictures = visualizationWidth(area.width());
+    put(visualization_, {area.right() - pictures - 6, 6, pictures, area.height() - 12});
+    const double left = area.right() - pictures - 6 - kPadding;
+    put(title_, {kPadding, 10, left - kPadding, kTitleHeight});
+    put(time_, {kPadding, 42, kTime.width(), kTime.height()});
+}
+
+void DisplayWell::paintEvent(QPaintEvent*) {
+    BasePainter painter(this);
+    const QRectF area = baseRect(*this);
+    paintWell(painter, area, 8, Theme::panelBlack);
+
+    const QFont small = Theme::font(Theme::TextRole::Small);
+    const double left = area.right() - visualizationWidth(area.width()) - 6 - kPadding;
+    painter.setFont(small);
+    painter.setPen(Theme::textDim);
+    painter.drawText(
+        QRectF(kPadding, area.bottom() - 10 - kInfoHeight, left - kPadding, kInfoHeight),
+        Qt::AlignVCenter | Qt::AlignLeft,
+        QFontMetricsF(small).elidedText(format_, Qt::ElideRight, left - kPadding));
+
+    // Marks beside the time; unlit they are there as on a real display.
+    struct Mark {
+        Icon icon;
+        bool lit;
+        const char* text;
+    };
+    const PlaybackState& state = player_.playback();
+    const Mark marks[] = {
+        {Icon::Play, state.isPlaying(), nullptr},
+        {Icon::Pause, state.isLoaded() && !state.isPlaying(), nullptr},
+        {Icon::SpeakerMuted, player_.settings().isMuted, "MUTE"},
+    };
+    double x = kPadding + kTime.width() + 16;
+    const double y = 42 + kTime.height() / 2;
+    painter.setFont(Theme::font(Theme::TextRole::Indicator));
+    for (const Mark& mark : marks) {
+        const QColor colour =
+            mark.lit ? (mark.text ? Theme::danger : Theme::green) : Theme::faded(Theme::steel, 0.5);
+        const double offset = mark.text ? 8 : -8;
+        if (!mark.text || mark.lit) {
+            drawIcon(painter, mark.icon, {x, y + offset - 7, 14, 14}, colour);
+            if (mark.text) {
+                painter.setPen(colour);
+                painter.drawText(QRectF(x + 18, y + offset - 7, 60, 14),
+                                 Qt::AlignVCenter | Qt::AlignLeft, QString::fromLatin1(mark.text));
+            }
+        }
+        x += mark.text || &mark == &marks[1] ? -22 : 22;
+    }
+}
+
+} // namespace quorel
