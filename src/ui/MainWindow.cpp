@@ -25,7 +25,7 @@ namespace quorel {
 
 namespace {
 
-constexpr QSize kFirstSize(560, 600); // in base units, with the playlist
+constexpr QSize kFirstSize(740, 640); // in base units, with the playlist
 constexpr int kNoLimit = QWIDGETSIZE_MAX;
 
 } // namespace

@@ -22,6 +22,7 @@ namespace {
 constexpr double kHeight = 124;
 constexpr double kPadding = 14;
 constexpr double kTitleHeight = 24;
+constexpr double kTimeTop = 42;
 constexpr double kInfoHeight = 18;
 constexpr double kLeastLeft = 220;
 constexpr double kLeastVisualization = 240;
@@ -128,7 +129,7 @@ void DisplayWell::place() {
     put(visualization_, {area.right() - pictures - 6, 6, pictures, area.height() - 12});
     const double left = area.right() - pictures - 6 - kPadding;
     put(title_, {kPadding, 10, left - kPadding, kTitleHeight});
-    put(time_, {kPadding, 42, kTime.width(), kTime.height()});
+    put(time_, {kPadding, kTimeTop, kTime.width(), kTime.height()});
 }
 
 void DisplayWell::paintEvent(QPaintEvent*) {
@@ -145,35 +146,29 @@ void DisplayWell::paintEvent(QPaintEvent*) {
         Qt::AlignVCenter | Qt::AlignLeft,
         QFontMetricsF(small).elidedText(format_, Qt::ElideRight, left - kPadding));
 
-    // Marks beside the time; unlit they are there as on a real display.
-    struct Mark {
-        Icon icon;
-        bool lit;
-        const char* text;
-    };
+    paintMarks(painter);
+}
+
+/// Beside the time: what playback does, and whether it is muted. Unlit marks can be made out, as on
+/// a real display.
+void DisplayWell::paintMarks(QPainter& painter) const {
     const PlaybackState& state = player_.playback();
-    const Mark marks[] = {
-        {Icon::Play, state.isPlaying(), nullptr},
-        {Icon::Pause, state.isLoaded() && !state.isPlaying(), nullptr},
-        {Icon::SpeakerMuted, player_.settings().isMuted, "MUTE"},
+    const double x = kPadding + kTime.width() + 14;
+    const double y = kTimeTop + kTime.height() / 2;
+    const auto mark = [&](Icon icon, double left, double top, bool lit, const QColor& colour) {
+        drawIcon(painter, icon, {left, top, 14, 14},
+                 lit ? colour : Theme::faded(Theme::steel, 0.55));
     };
-    double x = kPadding + kTime.width() + 16;
-    const double y = 42 + kTime.height() / 2;
+    mark(Icon::Play, x, y - 17, state.isPlaying(), Theme::green);
+    mark(Icon::Pause, x + 20, y - 17, state.isLoaded() && !state.isPlaying(), Theme::green);
+    const bool isMuted = player_.settings().isMuted;
+    mark(Icon::SpeakerMuted, x, y + 3, isMuted, Theme::danger);
+    if (!isMuted)
+        return;
     painter.setFont(Theme::font(Theme::TextRole::Indicator));
-    for (const Mark& mark : marks) {
-        const QColor colour =
-            mark.lit ? (mark.text ? Theme::danger : Theme::green) : Theme::faded(Theme::steel, 0.5);
-        const double offset = mark.text ? 8 : -8;
-        if (!mark.text || mark.lit) {
-            drawIcon(painter, mark.icon, {x, y + offset - 7, 14, 14}, colour);
-            if (mark.text) {
-                painter.setPen(colour);
-                painter.drawText(QRectF(x + 18, y + offset - 7, 60, 14),
-                                 Qt::AlignVCenter | Qt::AlignLeft, QString::fromLatin1(mark.text));
-            }
-        }
-        x += mark.text || &mark == &marks[1] ? -22 : 22;
-    }
+    painter.setPen(Theme::danger);
+    painter.drawText(QRectF(x + 20, y + 3, 60, 14), Qt::AlignVCenter | Qt::AlignLeft,
+                     QStringLiteral("MUTE"));
 }
 
 } // namespace quorel

@@ -29,6 +29,7 @@ class DisplayWell final : public QWidget {
 
   private:
     void place();
+    void paintMarks(QPainter& painter) const;
     void showTrack();
     void showTime();
     void showSettings();

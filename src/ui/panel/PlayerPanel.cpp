@@ -19,7 +19,7 @@ namespace quorel {
 
 namespace {
 
-constexpr QSizeF kButton(36, 32);
+constexpr QSizeF kButton(34, 32);
 constexpr double kSeekStep = 5; // seconds, as the arrow keys have it
 
 Icon iconOf(PlaybackMode mode) {
@@ -98,7 +98,7 @@ void PlayerPanel::makeTransport() {
             [this] { player_.seek(seek_->value() * player_.playback().duration()); });
     previous_ = addButton(Icon::Previous, tr("Previous track"), &PlayerPanel::pressPrevious);
     play_ = addButton(Icon::Play, tr("Play"), &PlayerPanel::pressPlay);
-    play_->setFaceSize({52, kButton.height()});
+    play_->setFaceSize({48, kButton.height()});
     pause_ = addButton(Icon::Pause, tr("Pause"), &PlayerPanel::pressPause);
     stop_ = addButton(Icon::Stop, tr("Stop"), &PlayerPanel::pressStop);
     next_ = addButton(Icon::Next, tr("Next track"), &PlayerPanel::pressNext);
@@ -131,7 +131,7 @@ void PlayerPanel::makeSound() {
 
 void PlayerPanel::makeOpeners() {
     mode_ = new TextIconButton(tr("Mode"), PanelButton::Face::Raised, this);
-    mode_->setFaceSize({92, kButton.height()});
+    mode_->setFaceSize({88, kButton.height()});
     mode_->setSpacePresses(false);
     mode_->setToolTip(tr("Playback mode"));
     connect(mode_, &QAbstractButton::clicked, this, &PlayerPanel::pressMode);
@@ -149,6 +149,7 @@ void PlayerPanel::layOut() {
         row->addWidget(button);
     row->addSpacing(px(8));
     row->addWidget(mute_);
+    volume_->setMinimumWidth(px(72));
     volume_->setMaximumWidth(px(260));
     row->addWidget(volume_, 3);
     row->addSpacing(px(6));
