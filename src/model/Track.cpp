@@ -2,6 +2,10 @@
 
 #include "model/Path.h"
 
+#include <QRandomGenerator>
+#include <array>
+#include <bit>
+
 namespace quorel {
 
 namespace {
@@ -22,11 +26,22 @@ QStringView withoutTrackNumber(QStringView name) {
     return numbered ? name.sliced(rest) : name;
 }
 
+/// A random id (RFC 4122, version 4). QUuid::createUuid() asks the system for each, which takes
+/// half of the time of adding files.
+QUuid newId() {
+    std::array<quint32, 4> random{};
+    QRandomGenerator::global()->fillRange(random.data(), qsizetype(random.size()));
+    auto id = std::bit_cast<QUuid>(random);
+    id.data3 = ushort((id.data3 & 0x0FFF) | 0x4000);
+    id.data4[0] = uchar((id.data4[0] & 0x3F) | 0x80);
+    return id;
+}
+
 } // namespace
 
 Track Track::fromPath(const QString& path) {
     Track track;
-    track.id = QUuid::createUuid();
+    track.id = newId();
     track.path = path;
     Name name = parse(path);
     track.artist = std::move(name.artist);
@@ -48,7 +63,7 @@ Track::Name Track::parse(const QString& path) {
 }
 
 Playlist Playlist::named(const QString& name) {
-    return {QUuid::createUuid(), name, {}};
+    return {newId(), name, {}};
 }
 
 } // namespace quorel

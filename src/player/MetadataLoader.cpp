@@ -18,6 +18,7 @@ TrackMetadata readFileOf(const MetadataScan::File& file) {
 
 void MetadataLoader::load() {
     scan_.request(tabs_);
+    events_.progressed();
     proceed();
 }
 

@@ -174,9 +174,11 @@ void Playback::begin(Change change, bool byUser, Clock::Duration wait) {
         return;
     }
     if (wait > 0ns)
-        changeTimer_ = at_.clock.startTimer(wait, Clock::Repeat::Once, [this] { openChange(); });
+        changeTimer_ = at_.clock.startTimer(wait, Clock::Repeat::Once,
+                                            [this] { events_.asOne([this] { openChange(); }); });
     else
         openChange();
+    events_.changed(); // what may follow is seen from the new track on
 }
 
 void Playback::openChange() {
@@ -193,13 +195,14 @@ void Playback::openChange() {
             const std::stop_token&) { return open(wanted); },
         [this](OpenedTrack opened) {
             change_->opened = std::move(opened);
-            finishChange();
+            events_.asOne([this] { finishChange(); });
         });
 }
 
 void Playback::finishChange() {
     if (const auto left = notBefore_ - at_.clock.now(); left > 0ns) {
-        changeTimer_ = at_.clock.startTimer(left, Clock::Repeat::Once, [this] { finishChange(); });
+        changeTimer_ = at_.clock.startTimer(left, Clock::Repeat::Once,
+                                            [this] { events_.asOne([this] { finishChange(); }); });
         return;
     }
     const TrackList* const list = at_.tabs.find(change_->playlist);
@@ -242,8 +245,13 @@ void Playback::failed(const Change& change) {
 // The track was removed meanwhile. The one before it goes on, unless it has been faded out.
 void Playback::abandonChange() {
     dropChange();
-    if (!at_.engine.isLoaded() || notBefore_ > at_.clock.now())
+    if (!at_.engine.isLoaded() || notBefore_ > at_.clock.now()) {
         stopNow();
+    } else if (playingTrack_) {
+        cursor_ = playingTrack_;
+        orphanNextIndex_.reset();
+        at_.engine.discardQueued(); // planned before the change
+    }
     events_.changed();
 }
 
@@ -322,7 +330,7 @@ void Playback::prepare(const Track& track) {
         },
         [this](OpenedTrack opened) {
             prepared_->opened = std::move(opened);
-            preloadNextIfPossible();
+            events_.asOne([this] { preloadNextIfPossible(); });
         });
 }
 
@@ -338,6 +346,7 @@ void Playback::queue(const Track& track, const TrackList& list) {
         failed_.insert(track.id);
         dropPrepared();
         preloadNextIfPossible();
+        events_.changed();
         return;
     }
     if (!at_.engine.preloadNext(next)) {
@@ -409,6 +418,8 @@ std::optional<qsizetype> Playback::cursorRow() const {
 
 void Playback::edited(const TrackList& list, const TracksEdit& edit,
                       std::optional<qsizetype> cursorRow) {
+    if (change_ && playingPlaylist_ == list.id())
+        at_.engine.discardQueued(); // planned before the change, and it may be gone now
     if (&list != listToGoOnIn() || !cursor_)
         return;
     orphanNextIndex_ =

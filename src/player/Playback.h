@@ -29,6 +29,8 @@ class Playback {
         std::function<void()> changed;      ///< playing, paused, stopped or what may follow
         std::function<void()> trackStarted; ///< another track plays, or the same one again
         std::function<void()> jumped;       ///< the position went elsewhere in the track
+        /// Runs what the clock or a queue has brought on; all it changes is told of at its end.
+        std::function<void(const std::function<void()>&)> asOne;
     };
 
     Playback(Surroundings surroundings, TrackOpener open, ShuffleOrder::Random random,

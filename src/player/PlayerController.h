@@ -239,6 +239,7 @@ class PlayerController : public QObject {
     void keyNudge(KeyNudge what);
 
   private:
+    friend struct PlayerControllerInsides; ///< of the tests
     struct Core;
     std::unique_ptr<Core> core_;
 };

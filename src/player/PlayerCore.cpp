@@ -43,6 +43,11 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
                         const Operation operation(*this);
                         changes.jumped = true;
                         publishPosition();
+                    },
+                .asOne =
+                    [this](const auto& step) {
+                        const Operation operation(*this);
+                        step();
                     }})
     , saver(clock, writer, store,
             {.snapshot = [this] { return snapshot(); }, .ended = [this] { saved(); }})
@@ -315,6 +320,7 @@ void PlayerController::Core::tabSwitched() {
     search.reset();
     visible.reset();
     changes.activePlaylist = true;
+    changes.transport = true; // what may follow while nothing plays
     saver.changed();
 }
 

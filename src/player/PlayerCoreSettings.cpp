@@ -108,15 +108,17 @@ SettingsParts PlayerController::Core::applyWindow(const AppSettings& before) {
 }
 
 void PlayerController::Core::trimsOutdated() {
+    const auto forget = [](Track& track) {
+        track.trimStart.reset();
+        track.trimEnd.reset();
+    };
     for (qsizetype i = 0; i < tabs.size(); ++i) {
         TrackList& list = *tabs.find(tabs.at(i).id());
         for (qsizetype row = 0; row < list.size(); ++row)
             if (list.tracks().at(row).trimStart || list.tracks().at(row).trimEnd)
-                list.change(row, [](Track& track) {
-                    track.trimStart.reset();
-                    track.trimEnd.reset();
-                });
+                list.change(row, forget);
     }
+    forget(playing);
     std::erase_if(measured, [](const auto& result) { return result.trim.has_value(); });
     playback.replanTrims();
 }

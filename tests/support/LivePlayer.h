@@ -3,10 +3,10 @@
 #include "audio/AudioEngine.h"
 #include "audio/output/PulseOutput.h"
 #include "core/QtClock.h"
+#include "support/ProcessorWait.h"
 
 #include <QCoreApplication>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -45,13 +45,6 @@ class LivePlayer {
     }
 
   private:
-    static std::chrono::nanoseconds waitedForProcessor() {
-        std::ifstream file("/proc/thread-self/schedstat");
-        int64_t ran = 0;
-        int64_t waited = 0;
-        file >> ran >> waited;
-        return std::chrono::nanoseconds(waited);
-    }
     static QCoreApplication& application() {
         static int argc = 1;
         static char name[] = "test";

@@ -1,0 +1,134 @@
+// Long random use of the controller: on the manual clock with an engine without sound, then with
+// the real one, and in real time with all its threads.
+#include "player/ControllerSoak.h"
+
+#include "audio/AudioEngine.h"
+#include "audio/output/MemoryOutput.h"
+#include "audio/output/NullOutput.h"
+#include "core/QtClock.h"
+#include "player/ControllerFixture.h"
+#include "support/AudioFixtures.h"
+
+#include <QCoreApplication>
+#include <thread>
+
+using namespace quorel;
+using namespace quorel::test;
+
+namespace {
+
+/// Uses it that often; what is in the file afterwards is what there was.
+void use(std::unique_ptr<PlayerController>& player, const QString& stateFile, int times,
+         quint64 seed, ControllerSoak::Surroundings surroundings) {
+    auto soak = std::make_unique<ControllerSoak>(*player, std::move(surroundings), seed);
+    for (int i = 0; i < times && !testing::Test::HasFailure(); ++i)
+        EXPECT_TRUE(soak->step()) << "seed " << seed << ", step " << i;
+    const PersistedState expected = soak->expected();
+    soak.reset();
+    player.reset();
+    const auto stored = Persistence(stateFile).load();
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->playlists, expected.playlists);
+    EXPECT_EQ(stored->activePlaylistID, expected.activePlaylistID);
+    EXPECT_EQ(stored->settings, expected.settings);
+}
+
+class ControllerSoakTest : public ControllerTest, public testing::WithParamInterface<quint64> {};
+
+/// Short files that play, and some that do not.
+class SoundingSoakTest : public testing::Test {
+  protected:
+    SoundingSoakTest() {
+        for (int i = 0; i < 8; ++i)
+            write(i,
+                  {.sampleRate = i % 4 == 1 ? 48000 : 44100,
+                   .after = chunk("LIST", "INFO" + chunk("INAM", "Track " + std::to_string(i)))},
+                  TestSound(2000 + 5000 * i, 2, 16));
+        write(8, {}, TestSound(9000, 1, 16));
+        files += pathFromBytes(folder.write("music/broken.wav", "RIFF"));
+        files += pathFromBytes(folder.path("music/missing.wav"));
+    }
+    void write(int number, const WavRecipe& recipe, const TestSound& sound) {
+        files += pathFromBytes(folder.write("music/" + QByteArray::number(number) + " track.wav",
+                                            QByteArray::fromStdString(wavBytes(sound, recipe))));
+    }
+    QString stateFile() const { return pathFromBytes(folder.path("state.json")); }
+    void launch(Clock& clock, SerialQueue::Mode mode, std::unique_ptr<PlayerEngine> engine) {
+        player = std::make_unique<PlayerController>(PlayerController::Parts{
+            .clock = clock,
+            .engine = std::move(engine),
+            .stateFile = stateFile(),
+            .queues = mode,
+            .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
+        player->start(false);
+    }
+    ControllerSoak::Surroundings surroundings(std::function<void(double)> pass,
+                                              double longestPause) const {
+        return {files, pathFromBytes(folder.path("music")), pathFromBytes(folder.path("list.m3u8")),
+                std::move(pass), longestPause};
+    }
+
+    TestFolder folder;
+    QStringList files;
+    std::unique_ptr<PlayerController> player;
+};
+
+} // namespace
+
+TEST_P(ControllerSoakTest, KeepsItsInvariants) {
+    missing = "V";
+    odd = "e";
+    QStringList files;
+    const QByteArray sound = QByteArray::fromStdString(wavBytes(TestSound(9, 1, 16)));
+    for (const char* name : {"1.wav", "2.wav", "Artist - track 3.wav", "é 4.wav", "10.wav",
+                             "11.wav", "12.wave", "20.wave", "21.WAV", "22.wav"})
+        files += pathFromBytes(folder.write(QByteArray("music/") + name, sound));
+    launch();
+    use(controller, stateFile(), 10'000, GetParam(),
+        {files, pathFromBytes(folder.path("music")), pathFromBytes(folder.path("list.m3u8")),
+         [this](double seconds) { advance(seconds); }, 8});
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ControllerSoakTest, testing::Values(1, 2, 3, 4));
+
+TEST_F(SoundingSoakTest, RealEngineOnTheManualClock) {
+    ManualClock clock;
+    auto output =
+        std::make_unique<MemoryOutput>(clock, rt::Format{48000, rt::ChannelLayout::usual(2)}, 1000);
+    MemoryOutput& sound = *output;
+    auto made = std::make_unique<AudioEngine>(clock, std::move(output), SourceWorker::Mode::Pumped);
+    AudioEngine& engine = *made;
+    launch(clock, SerialQueue::Mode::Pumped, std::move(made));
+    const auto pass = [&](double seconds) {
+        Samples heard;
+        for (int left = int(seconds * 100); left > 0; --left) {
+            do
+                clock.runPosted();
+            while (player->pumpQueues());
+            engine.pumpSource();
+            heard.clear();
+            sound.render(480, heard);
+            clock.advance(std::chrono::milliseconds(10));
+        }
+    };
+    use(player, stateFile(), 500, 5, surroundings(pass, 2));
+}
+
+TEST_F(SoundingSoakTest, RealEngineInRealTime) {
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name, nullptr};
+    const QCoreApplication application(argc, argv);
+    QtClock clock;
+    launch(clock, SerialQueue::Mode::Threaded,
+           std::make_unique<AudioEngine>(clock, std::make_unique<NullOutput>(clock),
+                                         SourceWorker::Mode::Threaded));
+    const auto pass = [&clock](double seconds) {
+        const auto end = clock.now() + std::chrono::nanoseconds(std::llround(seconds * 1e9));
+        do {
+            QCoreApplication::processEvents();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        } while (clock.now() < end);
+    };
+    use(player, stateFile(), 500, 6, surroundings(pass, 0.1));
+}
