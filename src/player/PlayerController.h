@@ -162,6 +162,8 @@ class PlayerController : public QObject {
     void handleTrackClick(const QUuid& id, bool shift, bool cmd);
     void selectOnly(const QUuid& id);
     void selectAll();
+    /// The search field was entered: makes what the first letter would otherwise wait for.
+    void prepareSearch();
     void setSearchText(const QString& text);
 
     // --- Files -----------------------------------------------------------------------------------

@@ -186,6 +186,10 @@ void PlayerController::selectAll() {
     core_->changes.selection = true;
 }
 
+void PlayerController::prepareSearch() {
+    core_->prepareSearch();
+}
+
 void PlayerController::setSearchText(const QString& text) {
     const Core::Operation operation(*core_);
     if (text == core_->searchText)

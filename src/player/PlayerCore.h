@@ -77,6 +77,7 @@ struct PlayerController::Core {
     std::optional<Place> placeOf(const QUuid& track);
 
     const VisibleRows& visibleRows();
+    void prepareSearch();
     void tabSwitched();
     void insertTracks(TrackList& list, qsizetype row, QList<Track> tracks);
     QUuid addTab(const QString& name, QList<Track> tracks);
@@ -140,6 +141,7 @@ struct PlayerController::Core {
     FileImport import;
     TrackAnalyses analyses;
     std::vector<TrackAnalyses::Result> measured; ///< to be taken when no save holds the records
+    std::unique_ptr<Timer> searchTimer;          ///< while the search is being prepared
     std::unique_ptr<Timer> resumeTimer;
     bool isResuming = false; ///< the mark is set
     std::unique_ptr<Timer> markTimer;

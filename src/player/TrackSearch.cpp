@@ -59,22 +59,31 @@ VisibleRows TrackSearch::find(const TrackList& shown, const QString& text) {
     const std::string wanted = trimmedOfBlanks(text).toString().toLower().toStdString();
     if (wanted.empty())
         return VisibleRows(shown.size());
-    prepare(shown);
+    foldStale(shown, std::numeric_limits<std::size_t>::max());
     std::vector<qint32> rows;
     for (std::size_t i = 0; i < chunks_.size(); ++i)
         appendMatches(rows, chunks_[i].text, chunks_[i].ends, wanted, qsizetype(i) * kChunkRows);
     return VisibleRows(std::move(rows));
 }
 
-void TrackSearch::prepare(const TrackList& shown) {
+bool TrackSearch::prepareSome(const TrackList& shown) {
+    constexpr std::size_t kSlice = 20;
+    return foldStale(shown, kSlice);
+}
+
+bool TrackSearch::foldStale(const TrackList& shown, std::size_t chunks) {
     const std::span tracks(shown.tracks().constData(), std::size_t(shown.size()));
     chunks_.resize((tracks.size() + kChunkRows - 1) / kChunkRows);
     for (std::size_t i = 0; i < chunks_.size(); ++i) {
+        if (chunks_[i].isCurrent)
+            continue;
+        if (chunks-- == 0)
+            return false;
         const std::size_t first = i * kChunkRows;
         const std::size_t count = std::min<std::size_t>(kChunkRows, tracks.size() - first);
-        if (!chunks_[i].isCurrent)
-            fold(chunks_[i], tracks.subspan(first, count));
+        fold(chunks_[i], tracks.subspan(first, count));
     }
+    return true;
 }
 
 void TrackSearch::rowsEdited(const TracksEdit& edit) {

@@ -39,8 +39,9 @@ class TrackSearch {
     /// Blanks around the text do not count; an empty text finds every track.
     VisibleRows find(const TrackList& shown, const QString& text);
 
-    /// Makes what find() needs now, so that the first letter typed does not wait for it.
-    void prepare(const TrackList& shown);
+    /// Makes a part of what find() needs, some 5,000 rows, so that the first letter typed does not
+    /// wait for it; true when all is made.
+    bool prepareSome(const TrackList& shown);
 
     /// Another list is shown, or all of it changed.
     void reset() { chunks_.clear(); }
@@ -54,6 +55,8 @@ class TrackSearch {
         bool isCurrent = false;
     };
 
+    /// Makes at most that many chunks; true when none is left.
+    bool foldStale(const TrackList& shown, std::size_t chunks);
     void makeStale(qsizetype firstRow, qsizetype endRow);
     static void fold(Chunk& chunk, std::span<const Track> tracks);
 

@@ -22,7 +22,7 @@ class ControllerTest : public testing::Test {
         saved.playlists = {letters("ABCD")};
         saved.settings.volume = 0.5;
     }
-    ~ControllerTest() override { quit(); }
+    void TearDown() override { quit(); }
 
     static Playlist letters(std::string_view which) {
         Playlist playlist = Playlist::named(QStringLiteral("Letters"));
