@@ -45,11 +45,12 @@ QuorelApp::QuorelApp(const CommandLine& line, const QString& stateFile, SingleIn
                .stateFile = stateFile,
                .output = line.outputUid})
     , updates_(clock_, updateSource())
-    , window_(player_, updates_, clock_) {
+    , window_(player_, updates_, clock_)
+    , signals_([] { quit(); }) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     connect(&window_, &MainWindow::shownFirst, this, &QuorelApp::settleIn);
     connect(&window_, &MainWindow::closeRequested, this, &QuorelApp::windowClosed);
-    connect(&window_, &MainWindow::quitRequested, this, &QuorelApp::quit);
+    connect(&window_, &MainWindow::quitRequested, this, [] { quit(); });
     connect(&instance_, &SingleInstance::received, this,
             [this](const QStringList& paths, const QByteArray& token) {
                 useActivationToken(token);
@@ -69,7 +70,7 @@ void QuorelApp::settleIn() {
     player_.start(paths_.isEmpty());
     open(paths_);
     instance_.start();
-    mpris_ = std::make_unique<Mpris>(player_, [this] { quit(); });
+    mpris_ = std::make_unique<Mpris>(player_, [] { quit(); });
     mpris_->start();
     updates_.check(false);
 }
@@ -96,7 +97,7 @@ void QuorelApp::showTrayIcon() {
     menu->addAction(tr("Show Quorel"), &window_, &MainWindow::raiseWindow);
     menu->addAction(tr("Play or Pause"), &player_, &PlayerController::playPause);
     menu->addSeparator();
-    menu->addAction(tr("Quit"), this, &QuorelApp::quit);
+    menu->addAction(tr("Quit"), this, [] { quit(); });
     tray_->setContextMenu(menu);
     connect(tray_.get(), &QSystemTrayIcon::activated, &window_, &MainWindow::raiseWindow);
     tray_->show();

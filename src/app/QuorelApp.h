@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CommandLine.h"
+#include "app/QuitSignals.h"
 #include "core/QtClock.h"
 #include "player/PlayerController.h"
 #include "ui/MainWindow.h"
@@ -33,7 +34,7 @@ class QuorelApp final : public QObject {
     void open(const QStringList& paths);
     void windowClosed();
     void showTrayIcon();
-    void quit();
+    static void quit();
 
     QtClock clock_;
     const QStringList paths_;
@@ -41,6 +42,7 @@ class QuorelApp final : public QObject {
     PlayerController player_;
     UpdateChecker updates_;
     MainWindow window_;
+    QuitSignals signals_;
     std::unique_ptr<Mpris> mpris_;
     std::unique_ptr<QSystemTrayIcon> tray_;
 };
