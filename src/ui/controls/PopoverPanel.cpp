@@ -3,6 +3,7 @@
 #include "ui/controls/Bubble.h"
 #include "ui/theme/BasePainter.h"
 
+#include <QBitmap>
 #include <QEvent>
 #include <QLayout>
 #include <QMouseEvent>
@@ -53,12 +54,31 @@ void PopoverPanel::place() {
                                 std::max(screen.left(), screen.right() + 1 - width()));
     move(left, above_ ? anchor.top() - height() : anchor.bottom() + 1);
     tip_ = (anchor.center().x() - left) / uiScale();
+    cutOut();
+}
+
+QPainterPath PopoverPanel::shape() const {
+    return bubble(baseRect(*this).adjusted(0.5, 0.5, -0.5, -0.5), 8,
+                  above_ ? TipSide::Down : TipSide::Up, tip_, kTip);
+}
+
+/// Without a compositor what is translucent would be black; a little more than the shape is kept,
+/// for its smooth edge where there is one.
+void PopoverPanel::cutOut() {
+    QBitmap kept(size());
+    kept.fill(Qt::color0);
+    QPainter painter(&kept);
+    painter.scale(uiScale(), uiScale());
+    painter.setPen(QPen(Qt::color1, 2 / uiScale()));
+    painter.setBrush(Qt::color1);
+    painter.drawPath(shape());
+    painter.end();
+    setMask(kept);
 }
 
 void PopoverPanel::paintEvent(QPaintEvent*) {
     BasePainter painter(this);
-    paintBubble(painter, bubble(baseRect(*this).adjusted(0.5, 0.5, -0.5, -0.5), 8,
-                                above_ ? TipSide::Down : TipSide::Up, tip_, kTip));
+    paintBubble(painter, shape());
 }
 
 void PopoverPanel::mousePressEvent(QMouseEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPainterPath>
 #include <QPointer>
 #include <QWidget>
 
@@ -30,6 +31,8 @@ class PopoverPanel final : public QWidget {
   private:
     void setMargins();
     void place();
+    QPainterPath shape() const;
+    void cutOut();
 
     QPointer<QWidget> button_;
     bool above_ = false;
