@@ -59,7 +59,7 @@ bool MetadataLoader::postTask() {
                 readings.emplace_back(file, readFileOf(file));
             return readings;
         },
-        [this](Readings readings) {
+        [this](Readings&& readings) {
             --tasks_;
             for (auto& [file, metadata] : readings)
                 scan_.read(file, std::move(metadata));

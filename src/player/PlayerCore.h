@@ -41,7 +41,7 @@ struct PlayerChanges {
 
 /// What the controller is made of: the records and the concerns, and how they are tied together.
 struct PlayerController::Core {
-    Core(PlayerController& controller, Parts parts);
+    Core(PlayerController& owner, Parts parts);
 
     // --- Telling ---------------------------------------------------------------------------------
 
