@@ -49,6 +49,14 @@ Track Track::fromPath(const QString& path) {
     return track;
 }
 
+QList<Track> Track::fromPaths(const QList<QString>& paths) {
+    QList<Track> tracks;
+    tracks.reserve(paths.size());
+    for (const QString& path : paths)
+        tracks += fromPath(path);
+    return tracks;
+}
+
 Track::Name Track::parse(const QString& path) {
     constexpr QStringView kSeparator = u" - ";
     const QString readable = pathForDisplay(path);

@@ -44,6 +44,7 @@ struct Track {
 
     /// A track with a new random id, named after its file; everything else is absent.
     static Track fromPath(const QString& path);
+    static QList<Track> fromPaths(const QList<QString>& paths);
 
     /// Artist and title as the file name gives them: "03 - Artist - Title.mp3".
     static Name parse(const QString& path);

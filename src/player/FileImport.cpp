@@ -15,14 +15,6 @@ bool isPlaylistFile(const QString& path) {
            found.compare(u"m3u", Qt::CaseInsensitive) == 0;
 }
 
-QList<Track> tracksOf(const QStringList& paths) {
-    QList<Track> tracks;
-    tracks.reserve(paths.size());
-    for (const QString& path : paths)
-        tracks += Track::fromPath(path);
-    return tracks;
-}
-
 FileImport::Found collect(const QStringList& paths, ImportTarget target,
                           const CollectControl& control) {
     FileImport::Found found{target, {}, {}, {}};
@@ -31,10 +23,10 @@ FileImport::Found collect(const QStringList& paths, ImportTarget target,
         if (!isPlaylistFile(path)) {
             others += path;
         } else if (auto playlist = M3U8::importPlaylist(path)) {
-            found.playlists += Playlist{QUuid(), playlist->name, tracksOf(playlist->paths)};
+            found.playlists += Playlist{QUuid(), playlist->name, Track::fromPaths(playlist->paths)};
         }
     }
-    found.tracks = tracksOf(collectAudioFiles(others, control));
+    found.tracks = Track::fromPaths(collectAudioFiles(others, control));
     if (paths.size() == 1) {
         const QByteArray path = absolutePath(pathToBytes(paths.front()), workingFolder());
         if (isFolder(path))

@@ -8,14 +8,6 @@ namespace quorel {
 
 namespace {
 
-QList<Track> tracksOf(const QStringList& files) {
-    QList<Track> tracks;
-    tracks.reserve(files.size());
-    for (const QString& file : files)
-        tracks += Track::fromPath(file);
-    return tracks;
-}
-
 std::optional<QString> textOrAbsent(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(text);
 }
@@ -208,19 +200,19 @@ void PlayerController::addFiles(const QStringList& files) {
 void PlayerController::addFiles(const QStringList& files, const QUuid& playlistID) {
     const Core::Operation operation(*core_);
     if (TrackList* const list = core_->tabs.find(playlistID))
-        core_->insertTracks(*list, list->size(), tracksOf(files));
+        core_->insertTracks(*list, list->size(), Track::fromPaths(files));
 }
 
 void PlayerController::insertFiles(const QStringList& files, qsizetype at) {
     const Core::Operation operation(*core_);
-    core_->insertTracks(core_->tabs.active(), at, tracksOf(files));
+    core_->insertTracks(core_->tabs.active(), at, Track::fromPaths(files));
 }
 
 std::optional<QUuid> PlayerController::newPlaylist(const QStringList& files, const QString& name) {
     const Core::Operation operation(*core_);
     if (files.isEmpty())
         return std::nullopt;
-    return core_->addTab(name, tracksOf(files));
+    return core_->addTab(name, Track::fromPaths(files));
 }
 
 void PlayerController::importPaths(const QStringList& paths, const ImportTarget& target) {
@@ -239,7 +231,7 @@ void PlayerController::loadPlaylist(const QString& file,
         [this, file, done = std::move(done)](const std::optional<M3U8::Import>& read) {
             if (read) {
                 const Core::Operation operation(*core_);
-                core_->addTab(read->name, tracksOf(read->paths));
+                core_->addTab(read->name, Track::fromPaths(read->paths));
             }
             if (done)
                 done(read ? std::nullopt
