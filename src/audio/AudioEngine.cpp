@@ -11,7 +11,6 @@ using namespace std::chrono_literals;
 
 namespace {
 constexpr auto kTickInterval = 200ms;
-constexpr auto kMeterInterval = Clock::Duration(1s) / 15;
 constexpr double kPreloadSeconds = 12.0;
 constexpr double kSeekMargin = 0.05;
 } // namespace
@@ -22,7 +21,6 @@ AudioEngine::AudioEngine(Clock& clock, std::unique_ptr<Output> output, SourceWor
     , output_(std::move(output))
     , fadeRamp_(clock)
     , timer_(clock.startTimer(kTickInterval, Clock::Repeat::Always, [this] { tick(); }))
-    , visTimer_(clock.startTimer(kMeterInterval, Clock::Repeat::Always, [this] { meterTick(); }))
     , worker_(mode, workerEvents()) {
     output_->attach(*this, *this);
 }

@@ -102,6 +102,7 @@ class AudioEngine final : public EngineSound, RenderClient, OutputListener {
     void endFade();
 
     // Meters.
+    void runMeters();
     void meterTick();
     void decayMeters();
 

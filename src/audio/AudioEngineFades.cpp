@@ -56,6 +56,7 @@ void AudioEngine::play(int fadeInMs) {
     }
     isPlaying_ = true;
     runOutput();
+    runMeters();
     changed();
     checkCompletion();
 }

@@ -5,8 +5,25 @@
 
 namespace quorel {
 
+using namespace std::chrono_literals;
+
+namespace {
+constexpr auto kMeterInterval = Clock::Duration(1s) / 15;
+} // namespace
+
+void AudioEngine::runMeters() {
+    if (!visTimer_) {
+        visTimer_ =
+            clock_.startTimer(kMeterInterval, Clock::Repeat::Always, [this] { meterTick(); });
+    }
+}
+
 void AudioEngine::meterTick() {
-    if (!isPlaying_ || stream_ == 0) {
+    if (!isPlaying_) {
+        visTimer_.reset(); // an idle player wakes as seldom as it can
+        return;
+    }
+    if (stream_ == 0) {
         return;
     }
     const double latency = std::chrono::duration<double>(output_->timing().latency).count();

@@ -114,7 +114,9 @@ void MainWindow::setScale(double scale, bool animated) {
 }
 
 void MainWindow::setWordmarkIcon(bool shown) {
-    setWindowIcon(appIcon(shown));
+    hasWordmark_ = shown;
+    if (wasPainted_)
+        setWindowIcon(appIcon(shown));
 }
 
 void MainWindow::raiseWindow() {
@@ -142,7 +144,13 @@ void MainWindow::paintEvent(QPaintEvent* event) {
     QMainWindow::paintEvent(event);
     if (std::exchange(wasPainted_, true))
         return;
-    QMetaObject::invokeMethod(this, &MainWindow::shownFirst, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &MainWindow::settleIn, Qt::QueuedConnection);
+}
+
+/// Whatever would have held up the first picture.
+void MainWindow::settleIn() {
+    setWindowIcon(appIcon(hasWordmark_));
+    Q_EMIT shownFirst();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -48,6 +48,7 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
   private:
     void refreshTitle();
     void limitHeight();
+    void settleIn();
 
     PlayerController& player_;
     QWidget* content_;
@@ -55,6 +56,7 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
     TrackListView* tracks_;
     ScaledFit scaledFit_;
     int playlistHeight_ = 0; ///< in base units, while it is hidden
+    bool hasWordmark_ = false;
     bool wasPainted_ = false;
 };
 

@@ -28,6 +28,26 @@ class Meters : public EngineTest {
 };
 INSTANTIATE_TEST_SUITE_P(OutputLatency, Meters, testing::Values(0, 9600));
 
+TEST_P(Meters, restWhileNothingPlays) {
+    const auto wakeUps = [this] { // in a second
+        int count = 0;
+        for (int ms = 0; ms < 1000; ++ms) {
+            const auto next = offline.clock().nextDeadline();
+            renderFrames(kRate / 1000);
+            count += offline.clock().nextDeadline() == next ? 0 : 1;
+        }
+        return count;
+    };
+    EXPECT_LE(wakeUps(), 5);
+    ASSERT_TRUE(load(track(stereo(tone(10 * kRate, 1000, kRate, 0.5)))));
+    EXPECT_GE(wakeUps(), 15);
+    engine.pause(0);
+    render(1);
+    EXPECT_LE(wakeUps(), 5);
+    engine.resume(0);
+    EXPECT_GE(wakeUps(), 15);
+}
+
 TEST_P(Meters, showTheLevelOfTheProgramme) {
     struct Case {
         const char* what;

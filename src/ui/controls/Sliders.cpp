@@ -4,6 +4,8 @@
 #include "ui/theme/Surfaces.h"
 #include "ui/theme/Theme.h"
 
+#include <QPaintEvent>
+
 namespace quorel {
 
 namespace {
@@ -78,12 +80,12 @@ double FillSlider::valueAt(QPointF position) const {
     return across(*this).shareAt(position.x());
 }
 
-void FillSlider::paintEvent(QPaintEvent*) {
-    BasePainter painter(this);
+void FillSlider::paintEvent(QPaintEvent* event) {
     const ControlState state = knobState(*this);
     const QRectF track = flatTrack(*this);
     const QPointF knob = handleAt(value());
-    paintGroove(painter, track);
+    groove_.show(*this, event->rect(), [&](QPainter& painter) { paintGroove(painter, track); });
+    BasePainter painter(this);
     paintGrooveFill(painter, QRectF(track.topLeft(), QPointF(knob.x(), track.bottom())),
                     state.enabled);
     paintKnob(painter, knob, knobRadius(state), state);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/controls/ValueSlider.h"
+#include "ui/theme/StillPicture.h"
 
 namespace quorel {
 
@@ -18,6 +19,9 @@ class FillSlider final : public ValueSlider {
     QPointF handleAt(double value) const override;
     double valueAt(QPointF position) const override;
     void paintEvent(QPaintEvent* event) override;
+
+  private:
+    StillPicture groove_;
 };
 
 /// A horizontal track around a centre, -1..1, with a detent at 0, where a double click leads.

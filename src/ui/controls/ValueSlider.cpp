@@ -13,13 +13,16 @@ namespace quorel {
 
 namespace {
 constexpr double kHandleReach = 8; // base units: a press this close takes the handle as it stands
-constexpr int kWheelNotch = 120;   // QWheelEvent's unit
+constexpr double kHandleRoom = 12; // base units: around a handle's middle, with glow and focus ring
+constexpr double kVisibleStep = 0.1; // device pixels
+constexpr int kWheelNotch = 120;     // QWheelEvent's unit
 } // namespace
 
 ValueSlider::ValueSlider(const Range& range, QWidget* parent)
     : QWidget(parent)
     , range_(range)
-    , value_(range.rest.value_or(range.lowest)) {
+    , value_(range.rest.value_or(range.lowest))
+    , paintedValue_(value_) {
     makeSlidersAccessible();
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
@@ -59,12 +62,23 @@ bool ValueSlider::change(double value) {
     if (!(wanted < value_ || wanted > value_))
         return false;
     value_ = wanted;
-    update();
+    repaintHandle();
     if (QAccessible::isActive()) {
         QAccessibleValueChangeEvent event(this, value_);
         QAccessible::updateAccessibility(&event);
     }
     return true;
+}
+
+/// Only where it moved, and only as far as can be seen: a position creeps along.
+void ValueSlider::repaintHandle() {
+    const QPointF from = handleAt(paintedValue_) * uiScale();
+    const QPointF to = handleAt(value_) * uiScale();
+    if (std::hypot(to.x() - from.x(), to.y() - from.y()) * devicePixelRatioF() < kVisibleStep)
+        return;
+    paintedValue_ = value_;
+    const double room = kHandleRoom * uiScale();
+    update(QRectF(from, to).normalized().adjusted(-room, -room, room, room).toAlignedRect());
 }
 
 void ValueSlider::endEditing() {

@@ -69,11 +69,13 @@ class ValueSlider : public QWidget {
 
   private:
     bool change(double value);
+    void repaintHandle();
     void drag(QPointF pixels);
     void endEditing();
 
     Range range_;
     double value_;
+    double paintedValue_;
     std::function<QString(double)> valueText_;
     bool editing_ = false;
     QPointF grip_; ///< from the mouse to the middle of the handle, base units

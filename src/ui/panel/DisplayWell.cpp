@@ -10,8 +10,8 @@
 #include "ui/theme/Theme.h"
 #include "ui/visualisers/VisualizationView.h"
 
-#include <QEvent>
 #include <QFontMetricsF>
+#include <QPaintEvent>
 #include <algorithm>
 
 namespace quorel {
@@ -132,11 +132,20 @@ void DisplayWell::place() {
     put(time_, {kPadding, kTimeTop, kTime.width(), kTime.height()});
 }
 
-void DisplayWell::paintEvent(QPaintEvent*) {
+void DisplayWell::paintEvent(QPaintEvent* event) {
+    well_.show(*this, event->rect(), [this](QPainter& painter) {
+        paintWell(painter, baseRect(*this), 8, Theme::panelBlack);
+    });
+    // Most often it is the visualisation alone that moves.
+    if (visualization_->geometry().contains(event->rect()))
+        return;
     BasePainter painter(this);
-    const QRectF area = baseRect(*this);
-    paintWell(painter, area, 8, Theme::panelBlack);
+    paintTexts(painter);
+    paintMarks(painter);
+}
 
+void DisplayWell::paintTexts(QPainter& painter) const {
+    const QRectF area = baseRect(*this);
     const QFont small = Theme::font(Theme::TextRole::Small);
     const double left = area.right() - visualizationWidth(area.width()) - 6 - kPadding;
     painter.setFont(small);
@@ -145,8 +154,6 @@ void DisplayWell::paintEvent(QPaintEvent*) {
         QRectF(kPadding, area.bottom() - 10 - kInfoHeight, left - kPadding, kInfoHeight),
         Qt::AlignVCenter | Qt::AlignLeft,
         QFontMetricsF(small).elidedText(format_, Qt::ElideRight, left - kPadding));
-
-    paintMarks(painter);
 }
 
 /// Beside the time: what playback does, and whether it is muted. Unlit marks can be made out, as on

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Clock.h"
+#include "ui/theme/StillPicture.h"
 
 #include <QWidget>
 
@@ -29,6 +30,7 @@ class DisplayWell final : public QWidget {
 
   private:
     void place();
+    void paintTexts(QPainter& painter) const;
     void paintMarks(QPainter& painter) const;
     void showTrack();
     void showTime();
@@ -36,6 +38,7 @@ class DisplayWell final : public QWidget {
     void showMeters();
 
     PlayerController& player_;
+    StillPicture well_;
     MarqueeLabel* const title_;
     LcdDigits* const time_;
     VisualizationView* const visualization_;

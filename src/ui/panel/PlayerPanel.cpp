@@ -11,8 +11,8 @@
 #include "ui/panel/PanelParts.h"
 #include "ui/texts/Texts.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
+#include <QPaintEvent>
 #include <QVBoxLayout>
 
 namespace quorel {
@@ -61,6 +61,7 @@ PlayerPanel::PlayerPanel(PlayerController& player, Clock& clock, QWidget* parent
     , player_(player)
     , display_(new DisplayWell(player, clock, this))
     , seek_(new FillSlider(this)) {
+    setAttribute(Qt::WA_OpaquePaintEvent); // the metal fills it
     makeTransport();
     makeSound();
     makeOpeners();
@@ -173,14 +174,16 @@ void PlayerPanel::changeEvent(QEvent* event) {
         layOut();
 }
 
-void PlayerPanel::paintEvent(QPaintEvent*) {
-    BasePainter painter(this);
-    const QRectF area = baseRect(*this);
-    QLinearGradient metal(area.topLeft(), area.bottomLeft());
-    metal.setColorAt(0, Theme::bg.lighter(128));
-    metal.setColorAt(1, Theme::bg);
-    painter.fillRect(area, metal);
-    paintSeparator(painter, area.bottomLeft() - QPointF(0, 1), area.bottomRight() - QPointF(0, 1));
+void PlayerPanel::paintEvent(QPaintEvent* event) {
+    metal_.show(*this, event->rect(), [this](QPainter& painter) {
+        const QRectF area = baseRect(*this);
+        QLinearGradient metal(area.topLeft(), area.bottomLeft());
+        metal.setColorAt(0, Theme::bg.lighter(128));
+        metal.setColorAt(1, Theme::bg);
+        painter.fillRect(area, metal);
+        paintSeparator(painter, area.bottomLeft() - QPointF(0, 1),
+                       area.bottomRight() - QPointF(0, 1));
+    });
 }
 
 // --- What is shown -------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Clock.h"
+#include "ui/theme/StillPicture.h"
 
 #include <QWidget>
 
@@ -56,6 +57,7 @@ class PlayerPanel final : public QWidget {
     void showSeekTime();
 
     PlayerController& player_;
+    StillPicture metal_;
     DisplayWell* const display_;
     FillSlider* const seek_;
     TransportButton* previous_ = nullptr;

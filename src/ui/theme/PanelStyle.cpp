@@ -1,5 +1,6 @@
 #include "ui/theme/PanelStyle.h"
 
+#include "ui/theme/Icons.h"
 #include "ui/theme/StylePainting.h"
 #include "ui/theme/Theme.h"
 
@@ -212,6 +213,15 @@ QRect PanelStyle::subControlRect(ComplexControl control, const QStyleOptionCompl
     if (control == CC_ScrollBar && bar)
         return scrollBarPart(*bar, part);
     return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+/// Every menu bar asks for the mark of what has no room in it. Fusion has files for that, and would
+/// load all formats of pictures there are before the first window is seen.
+QIcon PanelStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
+                               const QWidget* widget) const {
+    if (which == SP_ToolBarHorizontalExtensionButton || which == SP_ToolBarVerticalExtensionButton)
+        return iconPixmap(Icon::ChevronDown, px(16), Theme::text, 1);
+    return QProxyStyle::standardIcon(which, option, widget);
 }
 
 QRect PanelStyle::subElementRect(SubElement element, const QStyleOption* option,

@@ -5,6 +5,7 @@
 #include "ui/visualisers/Light.h"
 
 #include <QKeyEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 namespace quorel {
@@ -95,11 +96,11 @@ void VisualizationView::keyPressEvent(QKeyEvent* event) {
     QAbstractButton::keyPressEvent(event);
 }
 
-void VisualizationView::paintEvent(QPaintEvent*) {
+void VisualizationView::paintEvent(QPaintEvent* event) {
+    const QSizeF size = QSizeF(this->size()) / uiScale();
+    well_.show(*this, event->rect(), [&](QPainter& painter) { paintWell(painter, size); });
     QPainter painter(this);
     painter.scale(uiScale(), uiScale());
-    const QSizeF size = QSizeF(this->size()) / uiScale();
-    paintWell(painter, size);
     painter.translate(kRim, kRim);
     paintMode(painter, size.shrunkBy(QMarginsF(kRim, kRim, kRim, kRim)));
     painter.translate(-kRim, -kRim);

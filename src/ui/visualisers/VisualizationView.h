@@ -2,6 +2,7 @@
 
 #include "model/Enumerations.h"
 #include "model/MeterValues.h"
+#include "ui/theme/StillPicture.h"
 #include "ui/visualisers/LEDMeterView.h"
 #include "ui/visualisers/ScopeView.h"
 #include "ui/visualisers/SpectrumView.h"
@@ -39,6 +40,7 @@ class VisualizationView : public QAbstractButton {
     VisualizationMode mode_ = VisualizationMode::Vu;
     double brightness_ = 1;
     MeterValues values_;
+    StillPicture well_;
     SpriteCache spectrum_;
     ScopeTrace scope_;
     VUFaces vu_;

@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QPaintEvent>
 #include <QWheelEvent>
 #include <memory>
 
@@ -75,6 +76,46 @@ struct Slider {
 };
 
 } // namespace
+
+/// What is painted from now on.
+class Painted : public QObject {
+  public:
+    explicit Painted(QWidget& widget) {
+        QCoreApplication::processEvents();
+        widget.installEventFilter(this);
+    }
+    QRect take() {
+        QCoreApplication::processEvents();
+        return std::exchange(area_, QRect());
+    }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint)
+            area_ |= static_cast<QPaintEvent*>(event)->rect();
+        return false;
+    }
+
+  private:
+    QRect area_;
+};
+
+TEST(ValueSlider, RepaintsWhereItsHandleMovedAndNoMore) {
+    for (const double scale : {1.0, 1.5}) {
+        const Slider fixture(Fill, 0.5, scale);
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(fixture.slider->window()));
+        Painted painted(*fixture.slider);
+        fixture.slider->setValue(0.6);
+        const QRect moved = painted.take();
+        EXPECT_TRUE(moved.contains(fixture.at(0.5)) && moved.contains(fixture.at(0.6)));
+        EXPECT_LT(moved.width(), px(50));
+
+        fixture.slider->setValue(0.6 + 0.06 / 200);
+        EXPECT_TRUE(painted.take().isEmpty()) << "less than can be seen";
+        fixture.slider->setValue(0.6 + 0.12 / 200);
+        EXPECT_FALSE(painted.take().isEmpty()) << "steps too small to be seen add up";
+    }
+}
 
 TEST(Slider, KeysMoveByStepsWithinTheRange) {
     const struct {
