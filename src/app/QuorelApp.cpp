@@ -63,10 +63,15 @@ QuorelApp::~QuorelApp() = default;
 
 void QuorelApp::show() {
     window_.show();
+    // One that begins minimised, or behind a locked screen, is not painted yet.
+    settling_ =
+        clock_.startTimer(std::chrono::seconds(1), Clock::Repeat::Once, [this] { settleIn(); });
 }
 
 /// All that need not be there for the first picture.
 void QuorelApp::settleIn() {
+    if (mpris_)
+        return;
     player_.start(paths_.isEmpty());
     open(paths_);
     instance_.start();

@@ -43,7 +43,8 @@ class QuorelApp final : public QObject {
     UpdateChecker updates_;
     MainWindow window_;
     QuitSignals signals_;
-    std::unique_ptr<Mpris> mpris_;
+    std::unique_ptr<Timer> settling_;
+    std::unique_ptr<Mpris> mpris_; ///< there once it has settled in
     std::unique_ptr<QSystemTrayIcon> tray_;
 };
 

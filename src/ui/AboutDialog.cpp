@@ -30,7 +30,7 @@ AboutDialog::AboutDialog(QWidget* parent)
     icon->setPixmap(appIcon(true).pixmap(QSize(px(96), px(96)), devicePixelRatioF()));
     QLabel* const name = centred(QStringLiteral("Quorel"), this);
     QFont big = name->font();
-    big.setPointSizeF(big.pointSizeF() * 1.6);
+    big.setPixelSize(qRound(big.pixelSize() * 1.6));
     big.setWeight(QFont::DemiBold);
     name->setFont(big);
     QLabel* const what = centred(tr("Version %1\nA music player for the files you own.")

@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTextEdit>
@@ -40,6 +41,9 @@ FocusContext KeyFilter::focusContext() {
     QWidget* const focus = QApplication::focusWidget();
     if (isEditingText())
         return {FocusKind::TextField, false};
+    // It has the focus while it is walked through with the Alt key.
+    if (focus && isOneOf<QMenuBar>(focus))
+        return {FocusKind::ArrowControl, true};
     if (focus && isOneOf<ValueSlider, QAbstractSlider, QComboBox, QTabBar>(focus))
         return {FocusKind::ArrowControl, showsFocusRing(focus)};
     return {};

@@ -33,6 +33,7 @@ constexpr int kNoLimit = QWIDGETSIZE_MAX;
 MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& clock)
     : player_(player)
     , content_(new QWidget(this))
+    , banner_(new UpdateBanner(updates, content_))
     , panel_(new PlayerPanel(player, clock, content_))
     , tracks_(new TrackListView(player, content_))
     , scaledFit_(clock, *this) {
@@ -42,7 +43,7 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     auto* const column = new QVBoxLayout(content_);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(new UpdateBanner(updates, content_));
+    column->addWidget(banner_);
     column->addWidget(panel_);
     column->addWidget(tracks_, 1);
     column->addWidget(new StatusBar(player, content_));
@@ -76,7 +77,7 @@ void MainWindow::setAlwaysOnTop(bool onTop) {
         setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
 }
 
-/// Without the playlist only the width can be changed.
+/// Without the playlist only the width can be changed: the height is what the rest needs.
 void MainWindow::limitHeight() {
     if (player_.settings().showPlaylist || isFullScreen()) {
         setMaximumHeight(kNoLimit);
@@ -91,14 +92,19 @@ void MainWindow::limitHeight() {
 void MainWindow::setPlaylistShown(bool shown, bool) {
     if (shown != tracks_->isHidden())
         return;
+    const int before = height();
+    const bool hadFocus = focusWidget() == tracks_;
     if (!shown)
         playlistHeight_ = qRound(tracks_->height() / uiScale());
     tracks_->setVisible(shown);
     layout()->activate();
     limitHeight();
     if (shown && !isMaximized() && !isFullScreen())
-        resize(width(), height() + px(std::max(playlistHeight_, 240)));
-    panel_->setFocus();
+        resize(width(), before + px(std::max(playlistHeight_, 240)));
+    if (hadFocus)
+        panel_->setFocus();
+    else if (shown && focusWidget() == panel_)
+        tracks_->setFocus();
 }
 
 void MainWindow::setFullScreen(bool fullScreen) {
@@ -132,12 +138,27 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     Q_EMIT closeRequested();
 }
 
+bool MainWindow::event(QEvent* event) {
+    const bool isUsed = QMainWindow::event(event);
+    // A banner came or went, or the scale has settled.
+    if (event->type() == QEvent::LayoutRequest && !scaledFit_.isMoving())
+        limitHeight();
+    return isUsed;
+}
+
 void MainWindow::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() != QEvent::WindowStateChange)
         return;
+    const bool wasFull =
+        static_cast<QWindowStateChangeEvent*>(event)->oldState().testFlag(Qt::WindowFullScreen);
+    if (isFullScreen() && !wasFull)
+        normalWidth_ = width();
     player_.fullScreenChanged(isFullScreen());
     limitHeight();
+    // That kept the width of the full screen, which goes only now.
+    if (wasFull && !isFullScreen() && !isMaximized() && !player_.settings().showPlaylist)
+        resize(normalWidth_, height());
 }
 
 void MainWindow::paintEvent(QPaintEvent* event) {

@@ -11,6 +11,7 @@ namespace quorel {
 class PlayerController;
 class PlayerPanel;
 class TrackListView;
+class UpdateBanner;
 class UpdateChecker;
 
 /// The one window: banner, player panel, playlist and status line, one below the other. Files can
@@ -40,6 +41,7 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -52,10 +54,12 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
 
     PlayerController& player_;
     QWidget* content_;
+    UpdateBanner* banner_; // made in the order in which Tab walks
     PlayerPanel* panel_;
     TrackListView* tracks_;
     ScaledFit scaledFit_;
     int playlistHeight_ = 0; ///< in base units, while it is hidden
+    int normalWidth_ = 0;    ///< from before the full screen
     bool hasWordmark_ = false;
     bool wasPainted_ = false;
 };

@@ -93,6 +93,7 @@ void ScaledFit::finish() {
     timer_.reset();
     window_.setUpdatesEnabled(false);
     setInterfaceScale(to_);
+    window_.setMinimumSize(0, 0); // from now on the layout's again
     window_.layout()->setEnabled(true);
     window_.layout()->activate();
     if (!(window_.windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))

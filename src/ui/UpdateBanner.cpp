@@ -7,6 +7,7 @@
 #include "ui/theme/Theme.h"
 #include "update/UpdateChecker.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -18,20 +19,34 @@ namespace {
 constexpr double kIcon = 20;
 constexpr double kMargin = 12;
 
+/// A line that ends early where there is no room for all of it; whatever a feed says, it does not
+/// widen the window.
+class OneLine final : public QLabel {
+  public:
+    explicit OneLine(QWidget* parent)
+        : QLabel(parent) {
+        // What the feed says is shown as it stands, never as markup.
+        setTextFormat(Qt::PlainText);
+    }
+
+    QSize minimumSizeHint() const override { return {px(80), fontMetrics().height()}; }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(palette().color(QPalette::WindowText));
+        painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft,
+                         fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+    }
+};
+
 } // namespace
 
 UpdateBanner::UpdateBanner(UpdateChecker& updates, QWidget* parent)
     : QWidget(parent)
     , updates_(updates)
-    , title_(new QLabel(this))
-    , notes_(new QLabel(this)) {
-    // What the feed says is shown as it stands, never as markup.
-    title_->setTextFormat(Qt::PlainText);
-    notes_->setTextFormat(Qt::PlainText);
-    notes_->setWordWrap(true);
-    QFont bold = title_->font();
-    bold.setWeight(QFont::DemiBold);
-    title_->setFont(bold);
+    , title_(new OneLine(this))
+    , notes_(new OneLine(this)) {
     QPalette dim = notes_->palette();
     dim.setColor(QPalette::WindowText, Theme::textDim);
     notes_->setPalette(dim);
@@ -41,7 +56,6 @@ UpdateBanner::UpdateBanner(UpdateChecker& updates, QWidget* parent)
     texts->addWidget(title_);
     texts->addWidget(notes_);
     auto* const row = new QHBoxLayout(this);
-    row->setContentsMargins(px(kMargin * 2 + kIcon), px(8), px(kMargin), px(8));
     row->addLayout(texts, 1);
     const auto addButton = [&](QAbstractButton* button, auto action) {
         connect(button, &QAbstractButton::clicked, &updates, action);
@@ -58,16 +72,35 @@ UpdateBanner::UpdateBanner(UpdateChecker& updates, QWidget* parent)
     hide->setToolTip(tr("Hide until next launch"));
     hide->setAccessibleName(hide->toolTip());
     addButton(hide, &UpdateChecker::dismiss);
+    fitScale();
     connect(&updates, &UpdateChecker::changed, this, &UpdateBanner::refresh);
     refresh();
+}
+
+void UpdateBanner::fitScale() {
+    layout()->setContentsMargins(px(kMargin * 2 + kIcon), px(8), px(kMargin), px(8));
+    const auto setFont = [](QLabel* label, Theme::TextRole role, QFont::Weight weight) {
+        QFont font = Theme::font(role);
+        font.setPixelSize(px(font.pixelSize()));
+        font.setWeight(weight);
+        label->setFont(font);
+    };
+    setFont(title_, Theme::TextRole::Body, QFont::DemiBold);
+    setFont(notes_, Theme::TextRole::Small, QFont::Normal);
+}
+
+void UpdateBanner::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange && layout())
+        fitScale();
 }
 
 void UpdateBanner::refresh() {
     const auto& release = updates_.available();
     const bool offers = release.has_value();
-    title_->setText(offers ? tr("Quorel %1 is available").arg(release->version)
+    title_->setText(offers ? tr("Quorel %1 is available").arg(release->version.simplified())
                            : tr("Quorel is up to date"));
-    notes_->setText(offers ? release->notes.value_or(QString()) : QString());
+    notes_->setText(offers ? release->notes.value_or(QString()).simplified() : QString());
     notes_->setVisible(!notes_->text().isEmpty());
     for (QAbstractButton* const button : buttons_)
         button->setVisible(offers);

@@ -18,8 +18,10 @@ class UpdateBanner final : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
+    void fitScale();
     void refresh();
 
     UpdateChecker& updates_;

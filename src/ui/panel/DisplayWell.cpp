@@ -89,6 +89,8 @@ void DisplayWell::showTime() {
 
 void DisplayWell::showSettings() {
     const AppSettings& settings = player_.settings();
+    time_->setAccessibleName(settings.showRemainingTime ? tr("Time remaining")
+                                                        : tr("Elapsed time"));
     time_->setToolTip(settings.showRemainingTime ? tr("Time remaining — click to show elapsed")
                                                  : tr("Elapsed time — click to show remaining"));
     visualization_->setMode(settings.visualization);

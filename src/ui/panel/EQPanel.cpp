@@ -74,6 +74,7 @@ QWidget* EQPanel::makeHeader() {
     connect(on_, &QAbstractButton::clicked, &player_, &PlayerController::setEQEnabled);
     presets_ = new QComboBox(header);
     presets_->setAccessibleName(tr("Preset"));
+    presets_->setAccessibleDescription(tr("Preset")); // its name is what is chosen, to AT-SPI
     presets_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(presets_, &QComboBox::activated, this,
             [this] { player_.applyEQPreset(presets_->currentData().toString()); });

@@ -224,6 +224,7 @@ void PlayerPanel::refreshSettings() {
                                  ? tr("Mode: %1, shuffle").arg(wordsOf(settings.pbMode))
                                  : tr("Mode: %1").arg(wordsOf(settings.pbMode)));
     equalizer_->setLit(settings.eqOn);
+    equalizer_->setAccessibleDescription(settings.eqOn ? tr("On") : tr("Off"));
     playlist_->setLit(settings.showPlaylist);
     playlist_->setToolTip(settings.showPlaylist ? tr("Hide playlist") : tr("Show playlist"));
     playlist_->setEnabled(!player_.fullscreenActive());

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quorel {
 
@@ -45,9 +46,14 @@ void SavePresetDialog::typed() {
 }
 
 void SavePresetDialog::accept() {
-    if (name_->text().trimmed().isEmpty())
+    const QString name = name_->text().trimmed();
+    if (name.isEmpty())
         return;
-    if (player_.saveCustomEQPreset(name_->text()))
+    // The list shows those with a capital.
+    const bool isBuiltIn = std::ranges::any_of(kEqPresets, [&name](const EqPreset& preset) {
+        return preset.name.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    if (!isBuiltIn && player_.saveCustomEQPreset(name))
         QDialog::accept();
     else
         refusal_->setText(tr("Built-in preset names can't be reused."));

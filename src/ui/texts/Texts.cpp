@@ -48,7 +48,10 @@ QString formatInfoText(const Track& track) {
 QString panText(double pan) {
     if (!(std::abs(pan) >= 0.005))
         return QStringLiteral("C");
-    return QStringLiteral("%1%2%").arg(pan < 0 ? u'L' : u'R').arg(int(std::abs(pan) * 100));
+    // Cut off, but not because of what adding up steps of a twentieth leaves behind.
+    return QStringLiteral("%1%2%")
+        .arg(QChar(pan < 0 ? u'L' : u'R'))
+        .arg(int(std::abs(pan) * 100 + 1e-6));
 }
 
 QString gainText(const QList<double>& gains, qsizetype band) {

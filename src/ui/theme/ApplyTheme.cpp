@@ -44,14 +44,17 @@ void setInterfaceScale(double scale) {
     }
     setUiScaleFactor(scale);
     setScaledFont();
-    for (QWidget* widget : QApplication::allWidgets()) {
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
         // Qt would tell them of the font in the next turn of the loop; the layouts need it now.
         for (const QEvent::Type type : {QEvent::ApplicationFontChange, QEvent::StyleChange}) {
             QEvent change(type);
             QApplication::sendEvent(widget, &change);
         }
-        widget->updateGeometry();
     }
+    // Layouts keep what they asked; some did so while only a part of the widgets had changed.
+    for (QWidget* widget : widgets)
+        widget->updateGeometry();
     for (QWidget* window : frozen)
         window->setUpdatesEnabled(true);
 }

@@ -1,0 +1,296 @@
+"""The program as a person and the desktop meet it: app_test.py PROGRAM [CASE...]"""
+import os
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, Gio, GLib  # noqa: E402
+
+from desktop import Program, inside, until  # noqa: E402
+
+PLAYER = "org.mpris.MediaPlayer2.Player"
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(dir=os.environ["QUOREL_TEST_DESKTOP"])
+        self.addCleanup(folder.cleanup)
+        self.program = Program(program, folder.name)
+        self.addCleanup(self.program.end)
+        self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+
+    def music(self, name):
+        """A file of two seconds of silence."""
+        path = os.path.join(self.program.folder, name)
+        data = bytes(2 * 8000 * 2)
+        with open(path, "wb") as file:
+            file.write(b"RIFF" + struct.pack("<I", 36 + len(data)) + b"WAVEfmt "
+                       + struct.pack("<IHHIIHH", 16, 1, 1, 8000, 16000, 2, 16)
+                       + b"data" + struct.pack("<I", len(data)) + data)
+        return path
+
+    def call(self, interface, method, arguments=None):
+        return self.bus.call_sync("org.mpris.MediaPlayer2.quorel", "/org/mpris/MediaPlayer2",
+                                  interface, method, arguments, None, Gio.DBusCallFlags.NONE,
+                                  60_000, None).unpack()
+
+    def get(self, name):
+        return self.call("org.freedesktop.DBus.Properties", "Get",
+                         GLib.Variant("(ss)", (PLAYER, name)))[0]
+
+    def isOnBus(self):
+        names = self.bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                   "org.freedesktop.DBus", "ListNames", None, None,
+                                   Gio.DBusCallFlags.NONE, -1, None).unpack()[0]
+        return "org.mpris.MediaPlayer2.quorel" in names
+
+    def launch(self, *words):
+        """Starts it and waits until it has settled in."""
+        until(lambda: not self.isOnBus(), "the last one to leave the bus")
+        process = self.program.start("--output", "null", *words)
+        until(lambda: self.isOnBus() or process.poll() is not None, "the program")
+        if process.poll() is not None:
+            self.fail("it ended: " + process.communicate()[1])
+        return process
+
+    def quit(self, process):
+        self.call("org.mpris.MediaPlayer2", "Quit")
+        self.ended(process)
+
+    def ended(self, process, status=0):
+        _, errors = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, status, errors)
+
+    def tracks(self):
+        return [track["path"] for playlist in self.program.saved()["playlists"]
+                for track in playlist["tracks"]]
+
+
+class CommandLine(Case):
+    def testAnswers(self):
+        for words, status, said in [
+                (["--help"], 0, "Usage: quorel [--output"),
+                (["-h", "--nonsense"], 0, "Usage: quorel [--output"),
+                (["--version"], 0, "quorel 0."),
+                (["--nonsense"], 2, "quorel: there is no option --nonsense."),
+                (["-x", "a.mp3"], 2, "quorel: there is no option -x."),
+                (["a.mp3", "--output"], 2, "quorel: --output needs null, default or a device."),
+        ]:
+            with self.subTest(words):
+                result, output, errors = self.program.run(*words)
+                self.assertEqual(result, status)
+                self.assertTrue((output if status == 0 else errors).startswith(said), output)
+                self.assertEqual(errors if status == 0 else output, "")
+        self.assertFalse(os.path.exists(self.program.state))
+
+    def testNoDisplay(self):
+        for changes in [{"DISPLAY": None}, {"DISPLAY": ":987"},
+                        {"DISPLAY": None, "QT_QPA_PLATFORM": None}]:
+            with self.subTest(changes):
+                status, output, errors = self.program.run(**changes)
+                self.assertEqual((status, output), (1, ""))
+                self.assertEqual(errors, "quorel: There is no display. "
+                                 "\"quorel-cli play\" plays without one.\n")
+
+    def testFilesBeginWithADash(self):
+        self.music("-x.wav")
+        process = self.launch("--", "-x.wav")
+        until(lambda: self.get("Metadata").get("xesam:title"), "the track")
+        self.quit(process)
+        self.assertEqual([os.path.basename(path) for path in self.tracks()], ["-x.wav"])
+
+
+class Launches(Case):
+    def testTenAtOnce(self):
+        files = [self.music(f"{i}.wav") for i in range(10)]
+        processes = [self.program.start("--output", "null", file) for file in files]
+        until(lambda: sum(process.poll() is None for process in processes) == 1,
+              "nine to hand over")
+        first = next(process for process in processes if process.poll() is None)
+        for process in processes:
+            if process is not first:
+                self.ended(process)
+        until(self.isOnBus, "the one")
+        until(lambda: sorted(self.savedTracks()) == sorted(files), "all files")
+        self.quit(first)
+        self.assertEqual(sorted(self.tracks()), sorted(files))
+
+    def savedTracks(self):
+        return self.tracks() if os.path.exists(self.program.state) else []
+
+
+class Window(Case):
+    def setUp(self):
+        super().setUp()
+        self.manage()
+
+    def manage(self, *words):
+        """Starts a window manager."""
+        manager = subprocess.Popen(["openbox", *words], stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+        self.addCleanup(manager.communicate)
+        self.addCleanup(manager.terminate)
+        until(lambda: f"= {manager.pid}\n" in self.x("xprop", "-root", "_OPENBOX_PID"),
+              "the window manager")
+
+    @staticmethod
+    def x(*words):
+        return subprocess.run(words, capture_output=True, text=True, check=False,
+                              timeout=60).stdout
+
+    def window(self):
+        """The number of the window that is shown, if any."""
+        return self.x("xdotool", "search", "--onlyvisible", "--name", "Quorel$").split()[:1]
+
+    def active(self):
+        window = until(self.window, "the window")[0]
+        until(lambda: self.x("xdotool", "getactivewindow").strip() == window, "the focus")
+        return window
+
+    def key(self, name):
+        self.active()
+        self.x("xdotool", "key", name)
+
+    def testClosing(self):
+        for quits in [True, False]:
+            with self.subTest(quitOnClose=quits):
+                self.program.settings(quitOnClose=quits)
+                process = self.launch()
+                self.key("alt+F4")
+                if quits:
+                    self.ended(process)
+                    continue
+                until(lambda: not self.window(), "the window to close")
+                self.assertIsNone(process.poll())
+                # Another launch shows it again.
+                self.assertEqual(self.program.run()[0], 0)
+                self.active()
+                self.key("ctrl+q")
+                self.ended(process)
+
+    def testKeysAndWhatIsSaved(self):
+        process = self.launch(self.music("a.wav"))
+        until(lambda: self.get("PlaybackStatus") == "Playing", "the track to play")
+        self.key("space")
+        until(lambda: self.get("PlaybackStatus") == "Paused", "the pause")
+        volume = self.get("Volume")
+        self.key("Up")
+        until(lambda: self.get("Volume") > volume, "a higher volume")
+        self.key("ctrl+shift+p")
+        until(lambda: "program specified maximum size" in
+              self.x("xprop", "-id", self.active(), "WM_NORMAL_HINTS"), "a lower window")
+        self.key("ctrl+q")
+        self.ended(process)
+        settings = self.program.saved()["settings"]
+        self.assertAlmostEqual(settings["volume"], volume + 0.05)
+        self.assertFalse(settings["showPlaylist"])
+        # It begins as it ended.
+        process = self.launch()
+        self.assertAlmostEqual(self.get("Volume"), volume + 0.05)
+        self.quit(process)
+
+    def testBeginsMinimised(self):
+        rules = os.path.join(self.program.folder, "rules.xml")
+        with open(rules, "w", encoding="utf-8") as file:
+            file.write("<openbox_config xmlns=\"http://openbox.org/3.4/rc\"><applications>"
+                       "<application class=\"*\"><iconic>yes</iconic></application>"
+                       "</applications></openbox_config>")
+        self.manage("--replace", "--config-file", rules)
+        process = self.launch()
+        self.assertEqual(self.window(), [])
+        self.assertEqual(self.program.run(self.music("a.wav"))[0], 0)
+        until(self.window, "the window")
+        until(lambda: self.get("PlaybackStatus") == "Playing", "the track to play")
+        self.quit(process)
+
+    def testStaysAboveAndFullScreen(self):
+        self.program.settings(alwaysOnTop=True)
+        process = self.launch()
+
+        def state():
+            return self.x("xprop", "-id", self.active(), "_NET_WM_STATE")
+        until(lambda: "_NET_WM_STATE_ABOVE" in state(), "a window above")
+        self.key("F11")
+        until(lambda: "_NET_WM_STATE_FULLSCREEN" in state(), "full screen")
+        self.key("F11")
+        until(lambda: "_NET_WM_STATE_FULLSCREEN" not in state(), "its end")
+        self.assertIn("_NET_WM_STATE_ABOVE", state())
+        self.key("alt+F4")
+        until(lambda: not self.window(), "the window to close")
+        self.program.run()
+        until(lambda: "_NET_WM_STATE_ABOVE" in state(), "a window above again")
+        self.quit(process)
+
+
+class Access(Case):
+    """The tree that assistive technologies see."""
+    CONTROLS = {Atspi.Role.PUSH_BUTTON, Atspi.Role.SLIDER, Atspi.Role.CHECK_BOX,
+                Atspi.Role.COMBO_BOX, Atspi.Role.LIST, Atspi.Role.MENU, Atspi.Role.MENU_ITEM,
+                Atspi.Role.TEXT, Atspi.Role.RADIO_BUTTON, Atspi.Role.TOGGLE_BUTTON}
+
+    def application(self):
+        desktop = Atspi.get_desktop(0)
+        for i in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(i)
+            if child and child.get_name() == "Quorel":
+                return child
+        return None
+
+    def nodes(self, node):
+        yield node
+        for i in range(node.get_child_count()):
+            child = node.get_child_at_index(i)
+            if child:
+                yield from self.nodes(child)
+
+    def find(self, name, role=None):
+        return until(lambda: next((node for node in self.nodes(self.application())
+                                   if node.get_name() == name and role in (None, node.get_role())),
+                                  None),
+                     name)
+
+    def states(self, node):
+        return node.get_state_set().contains
+
+    def check(self, nodes):
+        for node in nodes:
+            has = self.states(node)
+            what = f"{node.get_role_name()} \"{node.get_name()}\" of {node.get_parent()}"
+            separates = node.get_role() == Atspi.Role.SEPARATOR
+            if node.get_role() in self.CONTROLS or has(Atspi.StateType.FOCUSABLE):
+                self.assertTrue(separates or node.get_name(), "nameless " + what)
+                self.assertNotIn(node.get_role(), (Atspi.Role.INVALID, Atspi.Role.UNKNOWN,
+                                                   Atspi.Role.FILLER), what)
+            if node.get_role() == Atspi.Role.SLIDER:
+                self.assertIn("Value", node.get_interfaces(), what)
+                self.assertLessEqual(node.get_minimum_value(), node.get_current_value(), what)
+                self.assertLess(node.get_minimum_value(), node.get_maximum_value(), what)
+
+    def testTree(self):
+        process = self.launch(self.music("a.wav"), self.music("b.wav"))
+        until(self.application, "the program on the accessibility bus")
+        until(lambda: self.get("PlaybackStatus") == "Playing", "the track to play")
+        nodes = list(self.nodes(self.application()))
+        self.check(nodes)
+        roles = [node.get_role() for node in nodes]
+        self.assertEqual(roles.count(Atspi.Role.SLIDER), 3)
+        self.assertGreaterEqual(roles.count(Atspi.Role.PUSH_BUTTON), 12)
+        self.assertTrue({Atspi.Role.LIST_ITEM, Atspi.Role.TABLE_CELL} & set(roles), "no tracks")
+
+        # Everything works through it.
+        self.find("Pause").do_action(0)
+        until(lambda: self.get("PlaybackStatus") == "Paused", "the pause")
+        self.find("Volume", Atspi.Role.SLIDER).set_current_value(0.25)
+        until(lambda: abs(self.get("Volume") - 0.25) < 1e-6, "the volume")
+        self.quit(process)
+
+
+if __name__ == "__main__":
+    program = os.path.abspath(sys.argv[1])
+    inside()
+    unittest.main(argv=[sys.argv[0], *sys.argv[2:]])
