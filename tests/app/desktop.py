@@ -36,7 +36,7 @@ def inside():
         out, into = os.pipe()
         # Fontconfig, D-Bus and the accessibility bus keep their files in these folders.
         screen = subprocess.Popen(["Xvfb", "-displayfd", str(into), "-screen", "0", "1280x900x24",
-                                   "-nolisten", "tcp"], pass_fds=[into],
+                                   "-nolisten", "tcp", "-noreset"], pass_fds=[into],
                                   stderr=subprocess.DEVNULL)
         os.close(into)
         try:
