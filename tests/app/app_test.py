@@ -131,12 +131,18 @@ class Window(Case):
 
     def manage(self, *words):
         """Starts a window manager."""
-        manager = subprocess.Popen(["openbox", *words], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL)
-        self.addCleanup(manager.communicate)
-        self.addCleanup(manager.terminate)
-        until(lambda: f"= {manager.pid}\n" in self.x("xprop", "-root", "_OPENBOX_PID"),
-              "the window manager")
+        for attempt in range(5):
+            manager = subprocess.Popen(["openbox", *words], stdout=subprocess.DEVNULL,
+                                       stderr=subprocess.DEVNULL)
+            self.addCleanup(manager.communicate)
+            self.addCleanup(manager.terminate)
+            # It gives up at once where the one before it has not let go of the screen yet.
+            until(lambda: manager.poll() is not None or
+                  f"= {manager.pid}\n" in self.x("xprop", "-root", "_OPENBOX_PID"),
+                  "the window manager")
+            if manager.poll() is None:
+                return
+        self.fail("no window manager stays")
 
     @staticmethod
     def x(*words):
