@@ -9,6 +9,7 @@
 #include "ui/UpdateBanner.h"
 #include "ui/panel/PlayerPanel.h"
 #include "ui/playlist/TrackListView.h"
+#include "ui/settings/SettingsView.h"
 #include "ui/texts/Texts.h"
 #include "ui/theme/Scale.h"
 #include "update/UpdateChecker.h"
@@ -40,6 +41,8 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     setAcceptDrops(true);
     auto* const menus = new Menus(player, updates, *menuBar(), *this);
     connect(menus, &Menus::quitRequested, this, &MainWindow::quitRequested);
+    connect(menus, &Menus::settingsRequested, this, &MainWindow::showSettings);
+    connect(panel_, &PlayerPanel::settingsRequested, this, &MainWindow::showSettings);
     auto* const column = new QVBoxLayout(content_);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -131,6 +134,16 @@ void MainWindow::raiseWindow() {
     show();
     raise();
     activateWindow();
+}
+
+void MainWindow::showSettings() {
+    if (!settings_) {
+        settings_ = new SettingsView(player_, canStayOnTop(), this);
+        settings_->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    settings_->show();
+    settings_->raise();
+    settings_->activateWindow();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -5,11 +5,13 @@
 #include "ui/ScaledFit.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 namespace quorel {
 
 class PlayerController;
 class PlayerPanel;
+class SettingsView;
 class TrackListView;
 class UpdateBanner;
 class UpdateChecker;
@@ -51,6 +53,7 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
     void refreshTitle();
     void limitHeight();
     void settleIn();
+    void showSettings();
 
     PlayerController& player_;
     QWidget* content_;
@@ -58,8 +61,9 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
     PlayerPanel* panel_;
     TrackListView* tracks_;
     ScaledFit scaledFit_;
-    int playlistHeight_ = 0; ///< in base units, while it is hidden
-    int normalWidth_ = 0;    ///< from before the full screen
+    QPointer<SettingsView> settings_; ///< while it is open
+    int playlistHeight_ = 0;          ///< in base units, while it is hidden
+    int normalWidth_ = 0;             ///< from before the full screen
     bool hasWordmark_ = false;
     bool wasPainted_ = false;
 };

@@ -65,9 +65,8 @@ void Menus::fillFile(QMenuBar& bar) {
     add(menu, tr("Save Playlist As…"), QKeySequence(Qt::CTRL | Qt::Key_S), this,
         [this] { savePlaylistFile(player_, player_.activePlaylistID(), &window_); });
     menu.addSeparator();
-    add(menu, tr("Settings…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), this, [this] {
-        Q_EMIT settingsRequested();
-    })->setEnabled(false);
+    add(menu, tr("Settings…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), this,
+        [this] { Q_EMIT settingsRequested(); });
     menu.addSeparator();
     add(menu, tr("Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), this, [this] {
         Q_EMIT quitRequested();

@@ -93,8 +93,8 @@ class FakeEngine final : public PlayerEngine {
     void setCompressor(bool value, CompressorPreset) override { compressor = value; }
     const MeterValues& meters() const override { return meters_; }
     void openOutput(const QString& uid) override { output = uid.toStdString(); }
-    QList<OutputDevice> outputDevices() const override { return {}; }
-    const QString& outputNotice() const override { return notice_; }
+    QList<OutputDevice> outputDevices() const override { return devices; }
+    const QString& outputNotice() const override { return notice; }
 
     std::string takeLog() { return std::exchange(log, {}); }
 
@@ -108,6 +108,8 @@ class FakeEngine final : public PlayerEngine {
     double loudnessAt = -1;
     bool compressor = false;
     std::string output = "closed";
+    QList<OutputDevice> devices;
+    QString notice;
 
   private:
     static double endOf(const TrackToPlay& track) {
@@ -158,7 +160,6 @@ class FakeEngine final : public PlayerEngine {
     double position_ = 0;
     bool playing_ = false;
     MeterValues meters_;
-    QString notice_;
     std::unique_ptr<Timer> fade_;
     std::unique_ptr<Timer> timer_;
 };

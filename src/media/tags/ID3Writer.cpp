@@ -2,6 +2,7 @@
 
 #include "media/tags/FileCopy.h"
 #include "media/tags/Id3Header.h"
+#include "media/tags/Id3Reader.h"
 #include "model/Path.h"
 #include "storage/Descriptor.h"
 #include "storage/FileReplacement.h"
@@ -14,6 +15,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <set>
+#include <string_view>
 #include <system_error>
 #include <tuple>
 
@@ -149,7 +152,30 @@ int rewrite(const QByteArray& path, const QByteArray& tag) {
     return error;
 }
 
+// What two frames have in common of which the later one takes the other's place on reading.
+std::string_view fieldOf(const Id3Item& item) {
+    return item.id == "TDRC" ? std::string_view("TYER") : item.id;
+}
+
 } // namespace
+
+int64_t ID3Writer::framesDropped(const QString& path) {
+    std::string reason;
+    const auto file = isMp3(path) ? InputFile::open(pathToBytes(path).toStdString(), reason)
+                                  : std::optional<InputFile>();
+    if (!file) {
+        return 0;
+    }
+    const Id3Contents old = readId3Contents(*file, 0, file->size());
+    std::set<std::string_view> fields;
+    int64_t kept = 0;
+    for (const Id3Item& item : old.items) {
+        const bool isYear = fieldOf(item) == "TYER"; // stated twice it is one year still
+        const bool isShown = !item.description.startsWith(QStringLiteral("iTun"));
+        kept += isShown && (fields.insert(fieldOf(item)).second || isYear) ? 1 : 0;
+    }
+    return old.otherFrames + static_cast<int64_t>(old.items.size()) - kept;
+}
 
 std::optional<Error> ID3Writer::writeTags(const QString& path, const Tags& tags) {
     if (!isMp3(path)) {

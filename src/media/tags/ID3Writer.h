@@ -38,6 +38,11 @@ struct ID3Writer {
     /// file. `path` as in model/Path.h.
     static std::optional<Error> writeTags(const QString& path, const Tags& tags);
 
+    /// How many frames of the file's old tag writeTags would leave out: pictures, lyrics, gains,
+    /// and of comments and the like all but the one that is shown. 0 where it would refuse. Waits
+    /// for the disk; any thread.
+    static int64_t framesDropped(const QString& path);
+
     /// The tag that writeTags puts in front: ID3v2.3 without padding, texts in UTF-16.
     static QByteArray tagBytes(const Tags& tags);
 };

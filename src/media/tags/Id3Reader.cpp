@@ -54,7 +54,7 @@ class TagReader {
         // In ID3v2.4 it is the frames that are unsynchronised, one by one.
         , cursor_(file, begin, end, tagUnsynchronised() && header.version < 4) {}
 
-    std::vector<Id3Item> read();
+    Id3Contents read();
 
   private:
     bool tagUnsynchronised() const { return (header_.flags & 0x80U) != 0; }
@@ -94,7 +94,7 @@ std::string_view wantedId(std::string_view id) {
     return known != kKnownFrames.end() ? known->id : std::string_view();
 }
 
-std::vector<Id3Item> TagReader::read() {
+Id3Contents TagReader::read() {
     constexpr unsigned kExtendedHeader = 0x40; // in ID3v2.2: compressed in a way never defined
     if (header_.version < 2 || header_.version > 4) {
         return {};
@@ -102,7 +102,8 @@ std::vector<Id3Item> TagReader::read() {
     if ((header_.flags & kExtendedHeader) != 0 && !skipExtendedHeader()) {
         return {};
     }
-    for (int i = 0; i < kMaxFrames; ++i) {
+    int64_t frames = 0;
+    for (; frames < kMaxFrames; ++frames) {
         const auto head = nextHead();
         if (!head || head->bytes > cursor_.remaining()) {
             break;
@@ -114,7 +115,8 @@ std::vector<Id3Item> TagReader::read() {
             addItem(id, contentOf(*head));
         }
     }
-    return std::move(items_);
+    const int64_t others = frames - static_cast<int64_t>(items_.size());
+    return {std::move(items_), others};
 }
 
 bool TagReader::skipExtendedHeader() {
@@ -270,6 +272,10 @@ void TagReader::addItem(std::string_view id, std::span<const std::byte> content)
 } // namespace
 
 std::vector<Id3Item> readId3Tag(const InputFile& file, int64_t begin, int64_t end) {
+    return readId3Contents(file, begin, end).items;
+}
+
+Id3Contents readId3Contents(const InputFile& file, int64_t begin, int64_t end) {
     const auto header = Id3Header::read(file, begin);
     if (!header) {
         return {};

@@ -22,4 +22,12 @@ struct Id3Item {
 /// not the pictures. Blocks on the disk.
 std::vector<Id3Item> readId3Tag(const InputFile& file, int64_t begin, int64_t end);
 
+struct Id3Contents {
+    std::vector<Id3Item> items;
+    int64_t otherFrames = 0; ///< pictures, lyrics and whatever else gives no text to show
+};
+
+/// The same, and how much more there is.
+Id3Contents readId3Contents(const InputFile& file, int64_t begin, int64_t end);
+
 } // namespace quorel

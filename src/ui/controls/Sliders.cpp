@@ -59,8 +59,12 @@ QRectF between(double from, double to, double across, bool flat) {
 } // namespace
 
 FillSlider::FillSlider(QWidget* parent)
-    : ValueSlider({.lowest = 0, .highest = 1, .step = 0.05, .page = 0.2, .rest = std::nullopt},
-                  parent) {
+    : FillSlider({.lowest = 0, .highest = 1, .step = 0.05, .page = 0.2, .rest = std::nullopt},
+                 Snap::None, parent) {}
+
+FillSlider::FillSlider(const Range& range, Snap snap, QWidget* parent)
+    : ValueSlider(range, parent)
+    , snap_(snap) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -73,11 +77,22 @@ QSize FillSlider::minimumSizeHint() const {
 }
 
 QPointF FillSlider::handleAt(double value) const {
-    return {across(*this).positionOf(value), baseRect(*this).center().y()};
+    const double share = (value - range().lowest) / (range().highest - range().lowest);
+    return {across(*this).positionOf(share), baseRect(*this).center().y()};
 }
 
 double FillSlider::valueAt(QPointF position) const {
-    return across(*this).shareAt(position.x());
+    const double share = across(*this).shareAt(position.x());
+    return range().lowest + share * (range().highest - range().lowest);
+}
+
+double FillSlider::snapped(double value) const {
+    const double step = range().step;
+    if (snap_ == Snap::None)
+        return value;
+    // By division where it can be: 7 x 0.1 is not the number that is written 0.7, 7 / 10 is.
+    const double steps = std::round(value / step);
+    return step < 1 ? steps / std::round(1 / step) : steps * step;
 }
 
 void FillSlider::paintEvent(QPaintEvent* event) {

@@ -5,12 +5,17 @@
 
 namespace quorel {
 
-/// A horizontal track filled from the left up to the value, 0..1: volume, position.
+/// A horizontal track filled from the left up to the value: 0..1 for volume and position, or any
+/// other range.
 class FillSlider final : public ValueSlider {
     Q_OBJECT
 
   public:
+    enum class Snap { None, ToSteps };
+
     explicit FillSlider(QWidget* parent = nullptr);
+    /// With Snap::ToSteps the user reaches only whole multiples of the range's step.
+    FillSlider(const Range& range, Snap snap, QWidget* parent);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -18,9 +23,11 @@ class FillSlider final : public ValueSlider {
   protected:
     QPointF handleAt(double value) const override;
     double valueAt(QPointF position) const override;
+    double snapped(double value) const override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    const Snap snap_;
     StillPicture groove_;
 };
 

@@ -15,7 +15,11 @@ constexpr double kGap = 8;
 } // namespace
 
 Switch::Switch(const QString& text, QWidget* parent)
-    : QCheckBox(text, parent) {
+    : Switch(text, Slot::BeforeText, parent) {}
+
+Switch::Switch(const QString& text, Slot slot, QWidget* parent)
+    : QCheckBox(text, parent)
+    , slot_(slot) {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
 }
@@ -32,8 +36,10 @@ void Switch::paintEvent(QPaintEvent*) {
     ControlState state = stateOf(*this);
     state.pressed = isDown();
     const QRectF area = baseRect(*this);
-    const QRectF slot(kMargin, area.center().y() - kSlot.height() / 2, kSlot.width(),
-                      kSlot.height());
+    const bool first = slot_ == Slot::BeforeText;
+    const QRectF slot(QPointF(first ? kMargin : area.right() - kMargin - kSlot.width(),
+                              area.center().y() - kSlot.height() / 2),
+                      kSlot);
     const double radius = slot.height() / 2;
     paintGroove(painter, slot);
     if (isChecked())
@@ -47,8 +53,8 @@ void Switch::paintEvent(QPaintEvent*) {
               radius - 1.5, knob);
     painter.setFont(Theme::font(Theme::TextRole::Body));
     painter.setPen(inkOf({.enabled = state.enabled, .hovered = state.hovered}));
-    painter.drawText(area.adjusted(slot.right() + kGap, 0, 0, 0), Qt::AlignVCenter | Qt::AlignLeft,
-                     text());
+    painter.drawText(first ? area.adjusted(slot.right() + kGap, 0, 0, 0) : area,
+                     Qt::AlignVCenter | Qt::AlignLeft, text());
 }
 
 } // namespace quorel

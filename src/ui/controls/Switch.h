@@ -4,12 +4,16 @@
 
 namespace quorel {
 
-/// A check box that looks like a switch: lit and to the right when on. Its text() stands after it.
+/// A check box that looks like a switch: lit and to the right when on. Its text() stands after it,
+/// or at the left edge with the switch at the right one.
 class Switch final : public QCheckBox {
     Q_OBJECT
 
   public:
+    enum class Slot { BeforeText, AtRightEdge };
+
     explicit Switch(const QString& text, QWidget* parent = nullptr);
+    Switch(const QString& text, Slot slot, QWidget* parent);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -17,6 +21,9 @@ class Switch final : public QCheckBox {
   protected:
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     void paintEvent(QPaintEvent* event) override;
+
+  private:
+    const Slot slot_;
 };
 
 } // namespace quorel

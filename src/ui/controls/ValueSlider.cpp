@@ -47,11 +47,13 @@ void ValueSlider::setValue(double value) {
 }
 
 void ValueSlider::edit(double value) {
-    if (editing_ || qFuzzyCompare(1 + std::clamp(value, range_.lowest, range_.highest), 1 + value_))
+    const double wanted = snapped(value);
+    if (editing_ ||
+        qFuzzyCompare(1 + std::clamp(wanted, range_.lowest, range_.highest), 1 + value_))
         return;
     editing_ = true;
     Q_EMIT editingStarted();
-    if (change(value))
+    if (change(wanted))
         Q_EMIT valueEdited(value_);
     endEditing();
 }
@@ -90,7 +92,7 @@ void ValueSlider::endEditing() {
 }
 
 void ValueSlider::drag(QPointF pixels) {
-    if (change(detent(valueAt(toBase(pixels) + grip_))))
+    if (change(snapped(detent(valueAt(toBase(pixels) + grip_)))))
         Q_EMIT valueEdited(value_);
 }
 

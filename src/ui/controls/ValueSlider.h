@@ -54,6 +54,8 @@ class ValueSlider : public QWidget {
     virtual double valueAt(QPointF position) const = 0;
     /// What a value that was dragged to becomes, such as a detent.
     virtual double detent(double value) const { return value; }
+    /// What any value that the user asks for becomes, such as the nearest whole step.
+    virtual double snapped(double value) const { return value; }
 
     /// 0 at the lowest value, 1 at the highest.
     double share() const { return (value_ - range_.lowest) / (range_.highest - range_.lowest); }

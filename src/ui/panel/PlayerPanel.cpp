@@ -138,7 +138,6 @@ void PlayerPanel::makeOpeners() {
     connect(mode_, &QAbstractButton::clicked, this, &PlayerPanel::pressMode);
     equalizer_ = addButton(Icon::Equalizer, tr("Equalizer"), &PlayerPanel::pressEqualizer);
     settings_ = addButton(Icon::Gear, tr("Settings"), &PlayerPanel::pressSettings);
-    settings_->setEnabled(false);
     playlist_ = addButton(Icon::Playlist, tr("Playlist"), &PlayerPanel::pressPlaylist);
 }
 

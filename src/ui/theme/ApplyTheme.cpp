@@ -45,11 +45,13 @@ void setInterfaceScale(double scale) {
     setUiScaleFactor(scale);
     setScaledFont();
     const QWidgetList widgets = QApplication::allWidgets();
-    for (QWidget* widget : widgets) {
-        // Qt would tell them of the font in the next turn of the loop; the layouts need it now.
-        for (const QEvent::Type type : {QEvent::ApplicationFontChange, QEvent::StyleChange}) {
+    // Qt would tell them of the font in the next turn of the loop; the layouts need it now. First
+    // all of the font: with a new style some have their window laid out at once.
+    for (const QEvent::Type type : {QEvent::ApplicationFontChange, QEvent::StyleChange}) {
+        for (QWidget* widget : widgets) {
             QEvent change(type);
             QApplication::sendEvent(widget, &change);
+            widget->updateGeometry();
         }
     }
     // Layouts keep what they asked; some did so while only a part of the widgets had changed.

@@ -60,6 +60,11 @@ constexpr Named kNames[] = {
     {Icon::Warning, "warning"},
     {Icon::Pin, "pin"},
     {Icon::ChevronDown, "chevron-down"},
+    {Icon::PlayCircle, "play-circle"},
+    {Icon::Waveform, "waveform"},
+    {Icon::Dial, "dial"},
+    {Icon::Loudspeaker, "loudspeaker"},
+    {Icon::WindowFrame, "window-frame"},
 };
 
 constexpr auto kAll = [] {

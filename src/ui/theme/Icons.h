@@ -44,6 +44,11 @@ enum class Icon {
     Warning,
     Pin,
     ChevronDown,
+    PlayCircle,
+    Waveform,
+    Dial,
+    Loudspeaker,
+    WindowFrame,
 };
 
 std::span<const Icon> allIcons();

@@ -146,6 +146,7 @@ int PanelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     case SH_Slider_AbsoluteSetButtons:
         return Qt::LeftButton;
     case SH_ScrollBar_Transient:
+    case SH_DialogButtonBox_ButtonsHaveIcons: // from the desktop, in any colour
         return 0;
     default:
         return QProxyStyle::styleHint(hint, option, widget, returned);

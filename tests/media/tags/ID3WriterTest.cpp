@@ -356,6 +356,41 @@ TEST(ID3Writer, FailuresLeaveTheFileAsItWas) {
     EXPECT_EQ(error->domain, QStringLiteral("POSIX"));
 }
 
+TEST(ID3Writer, CountsWhatItWouldDrop) {
+    const std::string title = frame3("TIT2", "\0Old"s);
+    const std::string picture = frame3("APIC", "\0image/png\0\3\0"s + std::string(70'000, 'x'));
+    const auto comment = [](const std::string& about) {
+        return frame3("COMM", "\0eng"s + about + "\0text"s);
+    };
+    const struct {
+        const char* what;
+        std::string file;
+        int64_t dropped;
+    } cases[] = {
+        {"no tag", "\xFF\xFB", 0},
+        {"what is written again", id3Tag(3, title + frame3("TRCK", "\0001"s) + comment("")), 0},
+        {"a picture and lyrics", id3Tag(3, picture + title + frame3("USLT", "\0eng\0la"s)), 2},
+        {"gains", id3Tag(4, frame4("TXXX", "\0gain\0-3"s) + frame4("RVA2", "x\0"s)), 2},
+        {"padding", id3Tag(3, title + picture + std::string(100, '\0')), 1},
+        {"short names", id3Tag(2, frame2("TT2", "\0T"s) + frame2("PIC", "x") + frame2("ULT", "x")),
+         2},
+        {"a second comment", id3Tag(3, comment("") + comment("other")), 1},
+        {"a comment that is a gain", id3Tag(3, comment("iTunNORM")), 1},
+        {"both forms of the year",
+         id3Tag(4, frame4("TYER", "\0001999"s) + frame4("TDRC", "\0001999"s)), 0},
+        {"an encrypted title", id3Tag(3, frame3("TIT2", "\0Old"s, 0x40)), 1},
+    };
+    const TemporaryFolder folder;
+    for (const auto& c : cases) {
+        const auto in = [&](const char* name) {
+            return ID3Writer::framesDropped(pathFromBytes(folder.write(name, c.file).c_str()));
+        };
+        EXPECT_EQ(in("song.mp3"), c.dropped) << c.what;
+        EXPECT_EQ(in("song.flac"), 0) << c.what;
+    }
+    EXPECT_EQ(ID3Writer::framesDropped(pathFromBytes(folder.path("none.mp3").c_str())), 0);
+}
+
 TEST(ID3Writer, LargeFilesPassThroughLittleMemory) {
     constexpr off_t kBytes = 80 << 20;
     const TemporaryFolder folder;

@@ -15,13 +15,18 @@ using testing::IsEmpty;
 
 namespace {
 
-enum Kind { Fill, Pan, Band };
+enum Kind { Fill, Pan, Band, Tenths };
 
 std::unique_ptr<ValueSlider> make(Kind kind) {
     if (kind == Fill)
         return std::make_unique<FillSlider>();
     if (kind == Pan)
         return std::make_unique<PanSlider>();
+    if (kind == Tenths)
+        return std::make_unique<FillSlider>(
+            ValueSlider::Range{
+                .lowest = 0.5, .highest = 1.5, .step = 0.1, .page = 0.2, .rest = std::nullopt},
+            FillSlider::Snap::ToSteps, nullptr);
     return std::make_unique<EQBandSlider>();
 }
 
@@ -131,6 +136,8 @@ TEST(Slider, KeysMoveByStepsWithinTheRange) {
         {Pan, 0.3, Qt::Key_End, 1},         {Pan, -1, Qt::Key_Left, -1},
         {Band, 0, Qt::Key_Up, 1},           {Band, 11.5, Qt::Key_Right, 12},
         {Band, -10, Qt::Key_PageDown, -12}, {Band, 3, Qt::Key_Home, -12},
+        {Tenths, 0.64, Qt::Key_Right, 0.7}, {Tenths, 0.7, Qt::Key_Left, 0.6},
+        {Tenths, 1.4, Qt::Key_PageUp, 1.5},
     };
     for (const auto& row : kCases) {
         SCOPED_TRACE(testing::Message() << row.kind << " from " << row.from << " by " << row.key);
@@ -149,9 +156,9 @@ TEST(Slider, AClickJumpsToItsPlaceAtEveryScale) {
     const struct {
         Kind kind;
         double from, share, to;
-    } kCases[] = {{Fill, 0, 0.75, 0.75}, {Fill, 1, -0.1, 0},    {Fill, 0.2, 1.1, 1},
-                  {Pan, -1, 0.9, 0.8},   {Pan, -1, 0.52, 0},    {Band, 0, 1, 12},
-                  {Band, 0, 0.25, -6},   {Band, 12, -0.03, -12}};
+    } kCases[] = {{Tenths, 0.5, 0.33, 0.8}, {Fill, 0, 0.75, 0.75}, {Fill, 1, -0.1, 0},
+                  {Fill, 0.2, 1.1, 1},      {Pan, -1, 0.9, 0.8},   {Pan, -1, 0.52, 0},
+                  {Band, 0, 1, 12},         {Band, 0, 0.25, -6},   {Band, 12, -0.03, -12}};
     for (const double scale : {0.5, 1.0, 1.5}) {
         for (const auto& row : kCases) {
             SCOPED_TRACE(testing::Message() << row.kind << " at " << row.share << " x" << scale);
