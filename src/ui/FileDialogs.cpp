@@ -5,10 +5,12 @@
 #include "player/PlayerController.h"
 #include "ui/FilesAndFoldersDialog.h"
 
+#include <QDesktopServices>
 #include <QFile>
 #include <QMessageBox>
 #include <QPointer>
 #include <QStandardPaths>
+#include <QUrl>
 
 namespace quorel {
 
@@ -77,12 +79,9 @@ void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* 
         tell(parent, *error);
 }
 
-QStringList pathsOf(const QList<QUrl>& addresses) {
-    QStringList paths;
-    for (const QUrl& address : addresses)
-        if (const auto path = pathOfFileUri(address.toString(QUrl::FullyEncoded)))
-            paths += *path;
-    return paths;
+void showInFileManager(const QString& path) {
+    const QString folder = path.left(path.lastIndexOf(u'/') + 1);
+    QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(folder).toLatin1()));
 }
 
 } // namespace quorel

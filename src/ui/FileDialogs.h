@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QList>
-#include <QStringList>
-#include <QUrl>
+#include <QString>
 #include <QUuid>
 
 class QWidget;
@@ -18,7 +16,7 @@ void loadPlaylistFile(PlayerController& player, QWidget* parent);
 /// Of the playlist with that id.
 void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* parent);
 
-/// The local files that dropped addresses name, their bytes kept (model/Path.h).
-QStringList pathsOf(const QList<QUrl>& addresses);
+/// Shows the folder that the file is in.
+void showInFileManager(const QString& path);
 
 } // namespace quorel

@@ -8,8 +8,11 @@
 #include "ui/StatusBar.h"
 #include "ui/UpdateBanner.h"
 #include "ui/panel/PlayerPanel.h"
+#include "ui/playlist/DragContent.h"
+#include "ui/playlist/PlaylistArea.h"
 #include "ui/playlist/TrackListView.h"
 #include "ui/settings/SettingsView.h"
+#include "ui/tags/TagEditorView.h"
 #include "ui/texts/Texts.h"
 #include "ui/theme/Scale.h"
 #include "update/UpdateChecker.h"
@@ -36,7 +39,7 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     , content_(new QWidget(this))
     , banner_(new UpdateBanner(updates, content_))
     , panel_(new PlayerPanel(player, clock, content_))
-    , tracks_(new TrackListView(player, content_))
+    , playlist_(new PlaylistArea(player, clock, content_))
     , scaledFit_(clock, *this) {
     setAcceptDrops(true);
     auto* const menus = new Menus(player, updates, *menuBar(), *this);
@@ -48,19 +51,33 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     column->setSpacing(0);
     column->addWidget(banner_);
     column->addWidget(panel_);
-    column->addWidget(tracks_, 1);
+    column->addWidget(playlist_, 1);
     column->addWidget(new StatusBar(player, content_));
     setCentralWidget(content_);
+    connect(playlist_, &PlaylistArea::addRequested, this,
+            [this] { addFilesOrFolders(player_, this); });
+    connect(playlist_, &PlaylistArea::loadRequested, this,
+            [this] { loadPlaylistFile(player_, this); });
+    connect(playlist_, &PlaylistArea::saveRequested, this,
+            [this](const QUuid& playlist) { savePlaylistFile(player_, playlist, this); });
+    connect(playlist_, &PlaylistArea::showFileRequested, this, &showInFileManager);
+    connect(playlist_, &PlaylistArea::editTagsRequested, this, &MainWindow::editTags);
     new KeyFilter(player, this);
     connect(&player, &PlayerController::playingTrackChanged, this, &MainWindow::refreshTitle);
     refreshTitle();
     resize(px(kFirstSize.width()), px(kFirstSize.height()));
-    tracks_->setFocus();
+    playlist_->setFocus();
     player.attachWindow(this);
 }
 
 MainWindow::~MainWindow() {
     player_.attachWindow(nullptr);
+}
+
+void MainWindow::editTags(const QUuid& track) {
+    auto* const editor = new TagEditorView(player_, track, this);
+    editor->setAttribute(Qt::WA_DeleteOnClose);
+    editor->open();
 }
 
 void MainWindow::refreshTitle() {
@@ -93,13 +110,13 @@ void MainWindow::limitHeight() {
 }
 
 void MainWindow::setPlaylistShown(bool shown, bool) {
-    if (shown != tracks_->isHidden())
+    if (shown != playlist_->isHidden())
         return;
     const int before = height();
-    const bool hadFocus = focusWidget() == tracks_;
+    const bool hadFocus = focusWidget() && playlist_->isAncestorOf(focusWidget());
     if (!shown)
-        playlistHeight_ = qRound(tracks_->height() / uiScale());
-    tracks_->setVisible(shown);
+        playlistHeight_ = qRound(playlist_->height() / uiScale());
+    playlist_->setVisible(shown);
     layout()->activate();
     limitHeight();
     if (shown && !isMaximized() && !isFullScreen())
@@ -107,7 +124,7 @@ void MainWindow::setPlaylistShown(bool shown, bool) {
     if (hadFocus)
         panel_->setFocus();
     else if (shown && focusWidget() == panel_)
-        tracks_->setFocus();
+        playlist_->list().setFocus();
 }
 
 void MainWindow::setFullScreen(bool fullScreen) {
@@ -188,12 +205,13 @@ void MainWindow::settleIn() {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasUrls())
+    // Rows that are dragged about in the window are in a playlist already.
+    if (hasFiles(*event->mimeData()) && !event->source())
         event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    const QStringList paths = pathsOf(event->mimeData()->urls());
+    const QStringList paths = pathsOf(*event->mimeData());
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();

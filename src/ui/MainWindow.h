@@ -11,8 +11,8 @@ namespace quorel {
 
 class PlayerController;
 class PlayerPanel;
+class PlaylistArea;
 class SettingsView;
-class TrackListView;
 class UpdateBanner;
 class UpdateChecker;
 
@@ -54,12 +54,13 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
     void limitHeight();
     void settleIn();
     void showSettings();
+    void editTags(const QUuid& track);
 
     PlayerController& player_;
     QWidget* content_;
     UpdateBanner* banner_; // made in the order in which Tab walks
     PlayerPanel* panel_;
-    TrackListView* tracks_;
+    PlaylistArea* playlist_;
     ScaledFit scaledFit_;
     QPointer<SettingsView> settings_; ///< while it is open
     int playlistHeight_ = 0;          ///< in base units, while it is hidden

@@ -1,0 +1,54 @@
+#include "ui/playlist/DragContent.h"
+
+#include "model/FileUri.h"
+
+#include <utility>
+
+namespace quorel {
+
+namespace {
+
+QString uriList() {
+    return QStringLiteral("text/uri-list");
+}
+
+} // namespace
+
+DraggedTracks::DraggedTracks(const QUuid& playlist, QList<QUuid> tracks, QStringList paths)
+    : playlist_(playlist)
+    , tracks_(std::move(tracks))
+    , paths_(std::move(paths)) {}
+
+QStringList DraggedTracks::formats() const {
+    return {uriList()};
+}
+
+QVariant DraggedTracks::retrieveData(const QString& format, QMetaType type) const {
+    if (format != uriList())
+        return QMimeData::retrieveData(format, type);
+    QByteArray list;
+    for (const QString& path : paths_)
+        list += fileUri(path).toLatin1() + "\r\n";
+    return list;
+}
+
+DraggedPlaylist::DraggedPlaylist(const QUuid& id)
+    : id_(id) {
+    setData(QStringLiteral("application/x-quorel-playlist"), id.toByteArray());
+}
+
+bool hasFiles(const QMimeData& dragged) {
+    return dragged.hasFormat(uriList());
+}
+
+QStringList pathsOf(const QMimeData& dragged) {
+    if (const auto* const tracks = qobject_cast<const DraggedTracks*>(&dragged))
+        return tracks->paths();
+    QStringList paths;
+    for (const QByteArray& line : dragged.data(uriList()).split('\n'))
+        if (const auto path = pathOfFileUri(QString::fromUtf8(line.trimmed())))
+            paths += *path;
+    return paths;
+}
+
+} // namespace quorel

@@ -1,0 +1,271 @@
+#include "ui/playlist/TabsBar.h"
+
+#include "player/PlayerController.h"
+#include "ui/controls/PanelButton.h"
+#include "ui/playlist/DragContent.h"
+#include "ui/playlist/Questions.h"
+#include "ui/playlist/RenameField.h"
+#include "ui/playlist/TabMenu.h"
+#include "ui/playlist/TabRow.h"
+#include "ui/theme/BasePainter.h"
+#include "ui/theme/Surfaces.h"
+#include "ui/theme/Theme.h"
+
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QFontMetricsF>
+#include <QWheelEvent>
+
+namespace quorel {
+
+namespace {
+
+constexpr double kHeight = 36;
+constexpr double kMargin = 10;
+constexpr double kAddSize = 24;
+constexpr double kGhostWidth = 116;
+constexpr double kFade = 28;
+
+QString shortcutText(int key) {
+    return QKeySequence(Qt::CTRL | key).toString(QKeySequence::NativeText);
+}
+
+/// Lets what is cut off at an end of the strip vanish softly.
+class EdgeFade final : public QWidget {
+  public:
+    EdgeFade(bool atRight, QWidget* parent)
+        : QWidget(parent)
+        , atRight_(atRight) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        QLinearGradient fade(0, 0, width(), 0);
+        fade.setColorAt(atRight_ ? 0 : 1, Theme::faded(Theme::bg, 0));
+        fade.setColorAt(atRight_ ? 1 : 0, Theme::bg);
+        painter.fillRect(rect(), fade);
+    }
+
+  private:
+    const bool atRight_;
+};
+
+} // namespace
+
+TabsBar::TabsBar(PlayerController& player, QWidget* parent)
+    : QWidget(parent)
+    , player_(player)
+    , window_(new QWidget(this))
+    , row_(new TabRow(player, window_))
+    , fades_{new EdgeFade(false, window_), new EdgeFade(true, window_)}
+    , add_(new TransportButton(Icon::Plus, PanelButton::Face::Quiet, this)) {
+    setAcceptDrops(true);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    add_->setFaceSize({kAddSize, kAddSize});
+    add_->setIconSize(14);
+    add_->setAccessibleName(tr("New playlist"));
+    add_->setToolTip(tr("New playlist (%1)").arg(shortcutText(Qt::Key_N)));
+    connect(add_, &QAbstractButton::clicked, this, [this] { player_.addPlaylist(); });
+    connect(row_, &TabRow::renameRequested, this, &TabsBar::rename);
+    connect(row_, &TabRow::closeRequested, this,
+            [this](const QUuid& playlist) { askToClose(player_, playlist, this); });
+    for (const auto signal :
+         {&PlayerController::playlistsEdited, &PlayerController::activePlaylistChanged})
+        connect(&player, signal, this, &TabsBar::showCurrent);
+}
+
+QSize TabsBar::sizeHint() const {
+    return {px(400), px(kHeight)};
+}
+
+QSize TabsBar::minimumSizeHint() const {
+    return {px(160), px(kHeight)};
+}
+
+// --- Where the tabs are --------------------------------------------------------------------------
+
+void TabsBar::place() {
+    const QSize add = add_->sizeHint();
+    const int left = px(kMargin);
+    const int room = std::max(width() - left - px(kMargin) - add.width(), 1);
+    const int tabs = row_->tabsWidth();
+    window_->setGeometry(left, 0, std::min(room, tabs), height());
+    offset_ = std::clamp(offset_, 0, std::max(tabs - window_->width(), 0));
+    const int high = row_->sizeHint().height();
+    row_->setGeometry(-offset_, height() - high, tabs, high);
+    fades_[0]->setGeometry(0, px(1), px(kFade), height());
+    fades_[0]->setVisible(offset_ > 0);
+    fades_[1]->setGeometry(window_->width() - px(kFade), px(1), px(kFade), height());
+    fades_[1]->setVisible(offset_ + window_->width() < tabs);
+    add_->setGeometry(QRect({left + window_->width() + px(2), height() - add.height()}, add));
+    if (field_) {
+        const auto index = player_.playlistIndex(field_->property("playlist").toUuid());
+        if (index)
+            field_->setGeometry(
+                row_->tabRect(static_cast<int>(*index)).adjusted(0, px(4), -px(4), -px(2)));
+    }
+    update();
+}
+
+void TabsBar::scrollTo(int offset) {
+    offset_ = offset;
+    place();
+}
+
+void TabsBar::showCurrent() {
+    place();
+    const QRect tab = row_->tabRect(row_->currentIndex());
+    if (tab.left() < offset_)
+        scrollTo(tab.left() - px(kFade));
+    else if (tab.right() > offset_ + window_->width())
+        scrollTo(tab.right() + px(kFade) - window_->width());
+}
+
+void TabsBar::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    showCurrent();
+}
+
+void TabsBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        place();
+}
+
+void TabsBar::wheelEvent(QWheelEvent* event) {
+    const QPoint turned = event->angleDelta();
+    const int by = turned.x() != 0 ? turned.x() : turned.y();
+    scrollTo(offset_ - by * px(60) / 120);
+    event->accept();
+}
+
+void TabsBar::step(int by) {
+    const auto tabs = static_cast<int>(player_.playlistCount());
+    const int next = (row_->currentIndex() + by + tabs) % tabs;
+    player_.setActivePlaylist(player_.playlistAt(next).id);
+}
+
+// --- Renaming and the menu -----------------------------------------------------------------------
+
+void TabsBar::rename(const QUuid& playlist) {
+    const Playlist* const record = player_.findPlaylist(playlist);
+    if (!record)
+        return;
+    field_ = new RenameField(record->name, row_);
+    field_->setProperty("playlist", playlist);
+    connect(field_, &RenameField::renamed, this,
+            [this, playlist](const QString& name) { player_.renamePlaylist(playlist, name); });
+    connect(field_, &RenameField::ended, this, &TabsBar::renamingEnded);
+    place();
+    field_->show();
+    field_->setFocus(Qt::OtherFocusReason);
+}
+
+void TabsBar::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+    const QPoint at = row_->mapFrom(this, event->pos());
+    const QUuid playlist =
+        byMouse ? row_->playlistAt(at).value_or(QUuid()) : player_.activePlaylistID();
+    auto* const menu = new TabMenu(player_, playlist, this);
+    connect(menu, &TabMenu::renameRequested, this, &TabsBar::rename);
+    connect(menu, &TabMenu::loadRequested, this, &TabsBar::loadRequested);
+    connect(menu, &TabMenu::saveRequested, this, &TabsBar::saveRequested);
+    connect(menu, &TabMenu::clearRequested, this,
+            [this](const QUuid& id) { askToClear(player_, id, this); });
+    connect(menu, &TabMenu::closeRequested, this,
+            [this](const QUuid& id) { askToClose(player_, id, this); });
+    const QRect tab = row_->tabRect(row_->currentIndex());
+    menu->popup(byMouse ? event->globalPos() : row_->mapToGlobal(tab.bottomLeft()));
+}
+
+// --- Drops ---------------------------------------------------------------------------------------
+
+int TabsBar::dropIndexAt(const QPoint& at) const {
+    if (at.x() > window_->geometry().right())
+        return row_->count();
+    const int index =
+        row_->tabAt(row_->mapFrom(this, QPoint(at.x(), row_->geometry().center().y())));
+    return index < 0 ? 0 : index; // the margin belongs to the first
+}
+
+/// Rows are not dropped on the tab that they come from.
+bool TabsBar::canDrop(const QMimeData& dragged, int index) const {
+    if (qobject_cast<const DraggedPlaylist*>(&dragged))
+        return true;
+    const auto* const own = qobject_cast<const DraggedTracks*>(&dragged);
+    if (own && index < row_->count() && player_.playlistAt(index).id == own->playlist())
+        return false;
+    return hasFiles(dragged);
+}
+
+void TabsBar::setDropIndex(std::optional<int> index, bool isTab) {
+    const bool atEnd = index == row_->count();
+    ghost_ = atEnd && !isTab;
+    row_->markTarget(index ? (atEnd ? (isTab ? row_->count() - 1 : -1) : *index) : -1);
+    add_->setVisible(!ghost_);
+    update();
+}
+
+void TabsBar::dragEnterEvent(QDragEnterEvent* event) {
+    // Entering decides over the whole visit; each move decides over its place.
+    if (hasFiles(*event->mimeData()) || qobject_cast<const DraggedPlaylist*>(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void TabsBar::dragMoveEvent(QDragMoveEvent* event) {
+    const int index = dropIndexAt(event->position().toPoint());
+    const bool can = canDrop(*event->mimeData(), index);
+    setDropIndex(can ? std::optional(index) : std::nullopt,
+                 qobject_cast<const DraggedPlaylist*>(event->mimeData()) != nullptr);
+    if (can)
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void TabsBar::dragLeaveEvent(QDragLeaveEvent*) {
+    setDropIndex(std::nullopt, false);
+}
+
+void TabsBar::dropEvent(QDropEvent* event) {
+    setDropIndex(std::nullopt, false);
+    const QMimeData& dragged = *event->mimeData();
+    const int index = dropIndexAt(event->position().toPoint());
+    if (!canDrop(dragged, index))
+        return;
+    event->acceptProposedAction();
+    if (const auto* const tab = qobject_cast<const DraggedPlaylist*>(&dragged))
+        player_.movePlaylist(tab->id(), index);
+    else if (index == row_->count())
+        player_.importPaths(pathsOf(dragged), {.kind = ImportTarget::Kind::NewPlaylist});
+    else
+        player_.importPaths(pathsOf(dragged), {.playlist = player_.playlistAt(index).id});
+}
+
+// --- Painting ------------------------------------------------------------------------------------
+
+void TabsBar::paintEvent(QPaintEvent*) {
+    BasePainter painter(this);
+    const QRectF area = baseRect(*this);
+    painter.fillRect(area, Theme::bg);
+    paintSeparator(painter, area.topLeft(), area.topRight());
+    if (ghost_)
+        paintGhost(painter);
+}
+
+void TabsBar::paintGhost(QPainter& painter) const {
+    const QRectF area = baseRect(*this);
+    const double left = std::min((window_->geometry().right() + 1) / uiScale(),
+                                 area.right() - kMargin - kGhostWidth);
+    const QRectF tab = QRectF(left, 7, kGhostWidth, area.height() - 10);
+    painter.setPen(QPen(Theme::green, 1.2, Qt::DashLine));
+    painter.setBrush(Theme::faded(Theme::green, 0.10));
+    painter.drawRoundedRect(tab, 6, 6);
+    painter.setFont(Theme::font(Theme::TextRole::Body));
+    painter.setPen(Theme::green);
+    painter.drawText(tab, Qt::AlignCenter, tr("New playlist"));
+}
+
+} // namespace quorel
