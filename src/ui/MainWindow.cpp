@@ -66,7 +66,7 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     connect(&player, &PlayerController::playingTrackChanged, this, &MainWindow::refreshTitle);
     refreshTitle();
     resize(px(kFirstSize.width()), px(kFirstSize.height()));
-    playlist_->setFocus();
+    playlist_->list().setFocus();
     player.attachWindow(this);
 }
 

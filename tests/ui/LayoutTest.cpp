@@ -2,6 +2,7 @@
 #include "ui/controls/FloatingValueLabel.h"
 #include "ui/controls/ModeRow.h"
 #include "ui/controls/PanelButton.h"
+#include "ui/playlist/PlaylistArea.h"
 #include "ui/theme/Theme.h"
 
 #include <QAbstractScrollArea>
@@ -57,7 +58,7 @@ class LayoutTest : public WindowTest {
                 expectNothingCut(*child, where);
         }
     }
-    int playlistHeight() const { return window->findChild<QListView*>()->height(); }
+    int playlistHeight() const { return window->findChild<PlaylistArea*>()->height(); }
 };
 
 } // namespace
@@ -134,7 +135,7 @@ TEST_F(LayoutTest, WithoutThePlaylistOnlyTheWidthChanges) {
     rest();
     const int list = playlistHeight();
     key(Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_FALSE(window->findChild<QListView*>()->isVisible());
+    EXPECT_FALSE(window->findChild<PlaylistArea*>()->isVisible());
     EXPECT_EQ(window->height(), 640 - list);
     const int height = window->height();
     window->resize(900, 800);

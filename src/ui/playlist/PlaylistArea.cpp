@@ -28,7 +28,6 @@ PlaylistArea::PlaylistArea(PlayerController& player, Clock& clock, QWidget* pare
     column->addWidget(tabs_);
     column->addWidget(toolbar_);
     column->addWidget(list_, 1);
-    setFocusProxy(list_);
     connect(toolbar_, &PlaylistToolbar::addRequested, this, &PlaylistArea::addRequested);
     connect(toolbar_, &PlaylistToolbar::loadRequested, this, &PlaylistArea::loadRequested);
     connect(toolbar_, &PlaylistToolbar::saveRequested, this, &PlaylistArea::saveRequested);
