@@ -114,7 +114,10 @@ void TrackListView::keyPressEvent(QKeyEvent* event) {
 void TrackListView::focusInEvent(QFocusEvent* event) {
     const bool hadCurrent = currentIndex().isValid();
     QListView::focusInEvent(event);
-    if (!hadCurrent)
+    // Qt makes the first row the current one, which shows a walk by Tab where it has got to.
+    const bool isWalk =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (!hadCurrent && !isWalk)
         selectionModel()->clearCurrentIndex();
 }
 
