@@ -71,7 +71,7 @@ void StatusBar::refresh() {
     if (isWarning_)
         parts += player_.notice();
     else if (const Track* const playing = player_.playingTrack())
-        parts += tr("Playing: %1").arg(rowLabel(*playing));
+        parts += tr("Playing: %1").arg(titleText(*playing));
     const qsizetype all = player_.activePlaylist().tracks.size();
     if (const VisibleRows& visible = player_.visibleTracks(); visible.isFiltered())
         parts += tr("%1 of %2").arg(visible.size()).arg(trackCountText(all));

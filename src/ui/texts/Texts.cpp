@@ -8,9 +8,12 @@
 
 namespace quorel {
 
+QString titleText(const Track& track) {
+    return track.title.isEmpty() ? pathForDisplay(baseName(track.path).toString()) : track.title;
+}
+
 QString rowLabel(const Track& track) {
-    const QString title =
-        track.title.isEmpty() ? pathForDisplay(baseName(track.path).toString()) : track.title;
+    const QString title = titleText(track);
     return track.artist.isEmpty() ? title : track.artist + QStringLiteral(" - ") + title;
 }
 

@@ -12,6 +12,8 @@ namespace quorel {
 
 /// Artist and title as a row of a playlist has them; without a title the file's name stands for it.
 QString rowLabel(const Track& track);
+/// The title alone; without one the file's name stands for it.
+QString titleText(const Track& track);
 
 /// The scrolling title: the product's name without a track; the length in seconds, 0 where it is
 /// not known, follows in brackets.
