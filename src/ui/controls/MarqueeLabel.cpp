@@ -6,6 +6,8 @@
 #include <QEvent>
 #include <QFontMetricsF>
 #include <QLinearGradient>
+#include <algorithm>
+#include <cmath>
 
 namespace quorel {
 
@@ -34,7 +36,10 @@ void MarqueeLabel::setRole(Theme::TextRole role) {
 }
 
 void MarqueeLabel::setColour(const QColor& colour) {
+    if (colour == colour_)
+        return;
     colour_ = colour;
+    moving_ = {};
     update();
 }
 
@@ -52,6 +57,7 @@ double MarqueeLabel::textWidth() const {
 
 void MarqueeLabel::restart() {
     timer_.reset();
+    moving_ = {};
     offset_ = 0;
     path_.excess = textWidth() - baseRect(*this).width();
     update();
@@ -72,34 +78,69 @@ void MarqueeLabel::step() {
                                [this] { step(); });
 }
 
+QColor MarqueeLabel::ink() const {
+    return isEnabled() ? colour_ : Theme::faded(colour_, 0.5);
+}
+
 void MarqueeLabel::paintEvent(QPaintEvent*) {
+    if (path_.excess > 0 && timer_) {
+        paintMoving();
+        return;
+    }
     BasePainter painter(this);
     const QRectF area = baseRect(*this);
     const QFont font = Theme::font(role_);
     painter.setFont(font);
-    const bool tooLong = path_.excess > 0;
-    const QColor ink = isEnabled() ? colour_ : Theme::faded(colour_, 0.5);
-    painter.setPen(ink);
-    if (tooLong && !timer_) {
-        painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft,
-                         QFontMetricsF(font).elidedText(text_, Qt::ElideRight, area.width()));
-        return;
-    }
-    if (tooLong) {
-        // Fades in over the first bit of the way, not at once.
-        const double left = std::min(1.0, offset_ / kFade);
-        const double right = std::min(1.0, (path_.excess - offset_) / kFade);
-        const double fade = std::min(0.5, kFade / area.width());
-        const double opacity = static_cast<double>(ink.alphaF());
-        QLinearGradient gradient(area.topLeft(), area.topRight());
-        gradient.setColorAt(0, Theme::faded(ink, opacity * (1 - left)));
-        gradient.setColorAt(fade, ink);
-        gradient.setColorAt(1 - fade, ink);
-        gradient.setColorAt(1, Theme::faded(ink, opacity * (1 - right)));
-        painter.setPen(QPen(QBrush(gradient), 1));
-    }
-    painter.drawText(area.adjusted(-offset_, 0, std::max(0.0, path_.excess) + 1, 0),
-                     Qt::AlignVCenter | Qt::AlignLeft, text_);
+    painter.setPen(ink());
+    painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft,
+                     path_.excess > 0
+                         ? QFontMetricsF(font).elidedText(text_, Qt::ElideRight, area.width())
+                         : text_);
+}
+
+/// The whole text, for a part of it to be copied in each frame: drawing it anew costs ten times as
+/// much.
+QPixmap MarqueeLabel::wholeText() const {
+    const QRectF area(0, 0, baseRect(*this).width() + path_.excess + 1, baseRect(*this).height());
+    QPixmap picture(QSizeF(area.size() * uiScale() * devicePixelRatioF()).toSize());
+    picture.setDevicePixelRatio(devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(uiScale(), uiScale());
+    painter.setFont(Theme::font(role_));
+    painter.setPen(ink());
+    painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft, text_);
+    return picture;
+}
+
+void MarqueeLabel::paintMoving() {
+    if (moving_.isNull())
+        moving_ = wholeText();
+    const double ratio = devicePixelRatioF();
+    QPixmap frame(size() * ratio);
+    frame.setDevicePixelRatio(ratio);
+    frame.fill(Qt::transparent);
+    QPainter painter(&frame);
+    const double shift = std::round(offset_ * uiScale() * ratio) / ratio;
+    painter.drawPixmap(QPointF(-shift, 0), moving_);
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.scale(uiScale(), uiScale());
+    // Fades in over the first bit of the way, not at once.
+    const QRectF area = baseRect(*this);
+    const double width = std::min(kFade, area.width() / 2);
+    const auto fadeOut = [&](const QRectF& edge, QPointF from, QPointF to, double hidden) {
+        QLinearGradient gradient(from, to);
+        gradient.setColorAt(0, Theme::faded(Qt::black, 1 - std::min(1.0, hidden / kFade)));
+        gradient.setColorAt(1, Qt::black);
+        painter.fillRect(edge, gradient);
+    };
+    fadeOut({area.left(), area.top(), width, area.height()}, area.topLeft(),
+            area.topLeft() + QPointF(width, 0), offset_);
+    fadeOut({area.right() - width, area.top(), width, area.height()}, area.topRight(),
+            area.topRight() - QPointF(width, 0), path_.excess - offset_);
+    painter.end();
+    QPainter(this).drawPixmap(0, 0, frame);
 }
 
 void MarqueeLabel::showEvent(QShowEvent* event) {
@@ -121,6 +162,8 @@ void MarqueeLabel::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange)
         restart();
+    else if (event->type() == QEvent::EnabledChange)
+        moving_ = {};
 }
 
 } // namespace quorel

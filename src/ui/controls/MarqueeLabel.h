@@ -4,6 +4,7 @@
 #include "ui/controls/MarqueePath.h"
 #include "ui/theme/Theme.h"
 
+#include <QPixmap>
 #include <QWidget>
 #include <memory>
 
@@ -42,6 +43,9 @@ class MarqueeLabel final : public QWidget {
 
   private:
     double textWidth() const;
+    QColor ink() const;
+    QPixmap wholeText() const;
+    void paintMoving();
     void restart();
     void step();
 
@@ -52,6 +56,7 @@ class MarqueeLabel final : public QWidget {
     MarqueePath path_;
     Clock::Duration start_{0};
     double offset_ = 0;
+    QPixmap moving_;               ///< the whole text while it moves
     std::unique_ptr<Timer> timer_; ///< until the end of a rest, or for the next frame
 };
 
