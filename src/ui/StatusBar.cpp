@@ -118,15 +118,16 @@ double StatusBar::paintFlags(QPainter& painter, const QRectF& area) const {
     const QFontMetricsF metrics(font);
     painter.setFont(font);
     double right = area.right() - kMargin;
-    for (auto flag = flags_.rbegin(); flag != flags_.rend(); ++flag) {
-        const double width = metrics.horizontalAdvance(*flag) + 12;
+    for (qsizetype i = flags_.size() - 1; i >= 0; --i) {
+        const QString& flag = flags_.at(i);
+        const double width = metrics.horizontalAdvance(flag) + 12;
         const QRectF chip(right - width, area.center().y() - 8, width, 16);
         painter.setPen(Qt::NoPen);
         painter.setBrush(Theme::faded(Theme::gold, 0.08));
         painter.drawRoundedRect(crisp(painter, chip), 4, 4);
         strokeInside(painter, crisp(painter, chip), 4, Theme::faded(Theme::gold, 0.35));
         painter.setPen(Theme::gold);
-        painter.drawText(chip, Qt::AlignCenter, *flag);
+        painter.drawText(chip, Qt::AlignCenter, flag);
         right -= width + kSpacing;
         if (right < area.width() * 0.45)
             break; // the rest would leave no room for the text
