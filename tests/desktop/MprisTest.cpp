@@ -297,7 +297,7 @@ TEST_F(ControllerTest, withoutABusNothingIsSaidOrWaitedFor) {
     controller->setVolume(0.1);
     QCoreApplication::processEvents();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_LT(waited, std::chrono::milliseconds(100));
+    EXPECT_LT(waited, std::chrono::seconds(1)) << "a bus is waited for 25 seconds";
 }
 
 #include "MprisTest.moc"

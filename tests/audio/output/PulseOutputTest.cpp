@@ -253,7 +253,7 @@ TEST_P(PulseOutputTest, AFrozenServerHoldsNobodyUp) {
     timed([&] { output->open(QStringLiteral("sink_b")); });
     ASSERT_TRUE(until([&] { return listener.losses == 1; })) << "no answer is told as a loss";
     timed([&] { output.reset(); });
-    EXPECT_LT(longest, 20ms);
+    EXPECT_LT(longest, 250ms) << "the server stands still for seconds";
 }
 
 TEST_P(PulseOutputTest, ASuspendedDeviceHoldsThePosition) {
