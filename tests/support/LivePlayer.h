@@ -12,8 +12,8 @@
 
 namespace quorel::test {
 
-/// A call or turn of the event loop that takes as long has waited for somebody. Shorter ones are left
-/// to a busy machine: what stands still here does so for seconds.
+/// A call or turn of the event loop that takes as long has waited for somebody. Shorter ones are
+/// left to a busy machine: what stands still here does so for seconds.
 constexpr std::chrono::milliseconds kWaited{250};
 
 /// The engine as the program runs it: real time, a real sound server, the source worker's thread.
