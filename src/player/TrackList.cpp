@@ -111,6 +111,10 @@ TracksEdit TrackList::insert(qsizetype row, QList<Track> block) {
 TracksEdit TrackList::remove(const std::vector<qsizetype>& rows, RemovedTracks& removed) {
     if (rows.empty())
         return {};
+    if (std::ssize(rows) == size()) {
+        removed = {rows, playlist_.tracks};
+        return clear();
+    }
     removed = {rows, {}};
     removed.tracks.reserve(qsizetype(rows.size()));
     Track* const tracks = playlist_.tracks.data();
@@ -136,7 +140,10 @@ TracksEdit TrackList::restore(RemovedTracks removed) {
     for (Track& track : removed.tracks)
         while (contains(track.id))
             track.id = QUuid::createUuid();
-    playlist_.tracks.append(std::move(removed.tracks));
+    if (before == 0)
+        playlist_.tracks = std::move(removed.tracks);
+    else
+        playlist_.tracks.append(std::move(removed.tracks));
     const bool isAtEnd = removed.rows.front() == before;
     if (!isAtEnd)
         scatter(playlist_.tracks.data(), edit.ranges, size());

@@ -14,6 +14,11 @@ constexpr qsizetype kChunkRows = 256;
 /// Occurs in no UTF-8 text, so that nothing is found across two fields.
 constexpr char kBetween = '\xff';
 
+qsizetype rowsInBoth(const RowRange& a, const RowRange& b) {
+    const qsizetype end = std::min(a.first + a.count, b.first + b.count);
+    return std::max<qsizetype>(end - std::max(a.first, b.first), 0);
+}
+
 void appendFolded(std::string& text, const QString& field) {
     const std::size_t begin = text.size();
     text.resize(begin + std::size_t(field.size()) + 1);
@@ -61,8 +66,11 @@ VisibleRows TrackSearch::find(const TrackList& shown, const QString& text) {
         return VisibleRows(shown.size());
     foldStale(shown, std::numeric_limits<std::size_t>::max());
     std::vector<qint32> rows;
-    for (std::size_t i = 0; i < chunks_.size(); ++i)
-        appendMatches(rows, chunks_[i].text, chunks_[i].ends, wanted, qsizetype(i) * kChunkRows);
+    qsizetype first = 0;
+    for (const Chunk& chunk : chunks_) {
+        appendMatches(rows, chunk.text, chunk.ends, wanted, first);
+        first += chunk.rows;
+    }
     return VisibleRows(std::move(rows));
 }
 
@@ -73,37 +81,91 @@ bool TrackSearch::prepareSome(const TrackList& shown) {
 
 bool TrackSearch::foldStale(const TrackList& shown, std::size_t chunks) {
     const std::span tracks(shown.tracks().constData(), std::size_t(shown.size()));
-    chunks_.resize((tracks.size() + kChunkRows - 1) / kChunkRows);
-    for (std::size_t i = 0; i < chunks_.size(); ++i) {
-        if (chunks_[i].isCurrent)
-            continue;
-        if (chunks-- == 0)
+    if (chunks_.empty() && !tracks.empty())
+        appendChunks(chunks_, shown.size());
+    std::size_t first = 0;
+    for (Chunk& chunk : chunks_) {
+        if (!chunk.isCurrent && chunks-- == 0)
             return false;
-        const std::size_t first = i * kChunkRows;
-        const std::size_t count = std::min<std::size_t>(kChunkRows, tracks.size() - first);
-        fold(chunks_[i], tracks.subspan(first, count));
+        if (!chunk.isCurrent)
+            fold(chunk, tracks.subspan(first, std::size_t(chunk.rows)));
+        first += std::size_t(chunk.rows);
     }
     return true;
 }
 
 void TrackSearch::rowsEdited(const TracksEdit& edit) {
-    if (!edit)
-        return;
-    const qsizetype first = edit.kind == TracksEdit::Kind::Moved
-                                ? std::min(edit.gap, edit.ranges.front().first)
-                                : edit.ranges.front().first;
-    makeStale(first, std::numeric_limits<qsizetype>::max());
+    switch (edit.kind) {
+    case TracksEdit::Kind::Nothing:
+        break;
+    case TracksEdit::Kind::Inserted:
+        insertRows(edit.ranges);
+        break;
+    case TracksEdit::Kind::Removed:
+        removeRows(edit.ranges);
+        break;
+    case TracksEdit::Kind::Moved: {
+        const TracksEdit taken{TracksEdit::Kind::Removed, edit.ranges};
+        removeRows(edit.ranges);
+        insertRows({{taken.gapAfter(edit.gap), rowsIn(edit.ranges)}});
+        break;
+    }
+    }
 }
 
 void TrackSearch::tracksChanged(const std::vector<RowRange>& rows) {
-    for (const RowRange& range : rows)
-        makeStale(range.first, range.first + range.count);
+    forOverlaps(rows, [](Chunk& chunk, qsizetype) { chunk.isCurrent = false; });
 }
 
-void TrackSearch::makeStale(qsizetype firstRow, qsizetype endRow) {
-    const auto chunks = qsizetype(chunks_.size());
-    for (qsizetype i = firstRow / kChunkRows; i < chunks && i * kChunkRows < endRow; ++i)
-        chunks_[std::size_t(i)].isCurrent = false;
+void TrackSearch::removeRows(const std::vector<RowRange>& ranges) {
+    forOverlaps(ranges, [](Chunk& chunk, qsizetype removed) {
+        chunk.rows -= removed;
+        chunk.isCurrent = false;
+    });
+    std::erase_if(chunks_, [](const Chunk& chunk) { return chunk.rows == 0; });
+}
+
+void TrackSearch::insertRows(const std::vector<RowRange>& ranges) {
+    std::vector<Chunk> chunks;
+    chunks.reserve(chunks_.size() + 1);
+    auto range = ranges.begin();
+    qsizetype first = 0; // of the chunk, after the edit
+    for (Chunk& chunk : chunks_) {
+        const qsizetype before = chunk.rows;
+        for (; range != ranges.end() && range->first <= first + chunk.rows; ++range)
+            chunk.rows += range->count;
+        first += chunk.rows;
+        if (chunk.rows > 2 * kChunkRows) {
+            appendChunks(chunks, chunk.rows);
+            continue;
+        }
+        chunk.isCurrent = chunk.isCurrent && chunk.rows == before;
+        chunks.push_back(std::move(chunk));
+    }
+    chunks_ = std::move(chunks);
+}
+
+void TrackSearch::forOverlaps(const std::vector<RowRange>& ranges,
+                              const std::function<void(Chunk&, qsizetype)>& act) {
+    auto range = ranges.begin();
+    qsizetype first = 0;
+    for (Chunk& chunk : chunks_) {
+        const RowRange own{first, chunk.rows};
+        first += chunk.rows;
+        qsizetype rows = 0;
+        for (; range != ranges.end() && range->first < first; ++range) {
+            rows += rowsInBoth(own, *range);
+            if (range->first + range->count > first)
+                break; // goes on in the next chunk
+        }
+        if (rows > 0)
+            act(chunk, rows);
+    }
+}
+
+void TrackSearch::appendChunks(std::vector<Chunk>& chunks, qsizetype rows) {
+    for (; rows > 0; rows -= kChunkRows)
+        chunks.push_back({.rows = std::min(rows, kChunkRows)});
 }
 
 void TrackSearch::fold(Chunk& chunk, std::span<const Track> tracks) {

@@ -2,6 +2,7 @@
 
 #include "player/TrackList.h"
 
+#include <functional>
 #include <string>
 
 namespace quorel {
@@ -33,7 +34,8 @@ class VisibleRows {
 
 /// Finds the tracks of the shown playlist whose title, artist or album contains a text, in whatever
 /// case; accents count. Their texts are kept folded to lower case, in chunks of rows, each made
-/// when it is first searched; whoever changes a track or the rows says so.
+/// when it is first searched; whoever changes a track or the rows says so, and only the chunks that
+/// were touched are made again.
 class TrackSearch {
   public:
     /// Blanks around the text do not count; an empty text finds every track.
@@ -50,14 +52,21 @@ class TrackSearch {
 
   private:
     struct Chunk {
-        std::string text;          ///< UTF-8; kBetween after each field
-        std::vector<quint32> ends; ///< of each track's fields in the text
+        qsizetype rows = 0;
+        std::string text = {};          ///< UTF-8; kBetween after each field
+        std::vector<quint32> ends = {}; ///< of each track's fields in the text
         bool isCurrent = false;
     };
 
     /// Makes at most that many chunks; true when none is left.
     bool foldStale(const TrackList& shown, std::size_t chunks);
-    void makeStale(qsizetype firstRow, qsizetype endRow);
+    void removeRows(const std::vector<RowRange>& ranges);
+    void insertRows(const std::vector<RowRange>& ranges);
+    /// Of each chunk that has rows in the ranges, with their number.
+    void forOverlaps(const std::vector<RowRange>& ranges,
+                     const std::function<void(Chunk&, qsizetype)>& act);
+    /// Chunks to be made, of that many rows in all.
+    static void appendChunks(std::vector<Chunk>& chunks, qsizetype rows);
     static void fold(Chunk& chunk, std::span<const Track> tracks);
 
     std::vector<Chunk> chunks_;

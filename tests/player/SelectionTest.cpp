@@ -110,33 +110,49 @@ TEST(TrackSearch, foldsCaseButNotAccents) {
 }
 
 TEST(TrackSearch, knowsWhatChanged) {
-    std::string letters;
-    for (int i = 0; i < 600; ++i)
-        letters += static_cast<char>('a' + i % 20);
-    TrackList list = listOf(letters);
-    TrackSearch search;
-    const auto rowsOfX = [&] {
-        const VisibleRows rows = search.find(list, QStringLiteral("X"));
-        std::vector<qsizetype> found;
-        for (qsizetype i = 0; i < rows.size(); ++i)
-            found.push_back(rows.rowAt(i));
-        return found;
+    std::mt19937 random(1);
+    const auto below = [&](qsizetype end) { return qsizetype(random() % std::uint32_t(end)); };
+    const auto someRows = [&](const TrackList& list) {
+        std::set<qsizetype> rows;
+        const qsizetype first = below(list.size());
+        const qsizetype step = 1 + below(3);
+        for (qsizetype row = first; row < list.size() && rows.size() < random() % 900; row += step)
+            rows.insert(row);
+        rows.insert(first);
+        return std::vector(rows.begin(), rows.end());
     };
-    using Rows = std::vector<qsizetype>;
-    EXPECT_EQ(rowsOfX(), Rows{});
-    search.rowsEdited(list.insert(300, tracksOf("Xx")));
-    EXPECT_EQ(rowsOfX(), (Rows{300, 301}));
-    for (const qsizetype row : {5, 599})
-        list.change(row, [](Track& track) { track.album = QStringLiteral("xyz"); });
-    search.tracksChanged({{5, 1}, {599, 1}});
-    EXPECT_EQ(rowsOfX(), (Rows{5, 300, 301, 599}));
-    search.rowsEdited(list.move({599}, 301));
-    EXPECT_EQ(rowsOfX(), (Rows{5, 300, 301, 302}));
-    RemovedTracks removed;
-    search.rowsEdited(list.remove({0, 301}, removed));
-    EXPECT_EQ(rowsOfX(), (Rows{4, 299, 300}));
-    search.rowsEdited(list.clear());
-    EXPECT_EQ(rowsOfX(), Rows{});
+    const auto more = [&] {
+        Track track;
+        track.title = QChar(char16_t(u'a' + below(20)));
+        return QList<Track>(below(700) + 1, track);
+    };
+    TrackList list = listOf("");
+    TrackSearch search;
+    std::vector<RemovedTracks> history;
+    for (int i = 0; i < 500; ++i) {
+        if (list.isEmpty() || random() % 3 == 0) {
+            search.rowsEdited(list.insert(below(list.size() + 1), more()));
+        } else if (random() % 3 == 0) {
+            history.emplace_back();
+            search.rowsEdited(list.remove(someRows(list), history.back()));
+        } else if (random() % 3 == 0 && !history.empty()) {
+            search.rowsEdited(list.restore(std::exchange(history.back(), {})));
+            history.pop_back();
+        } else if (random() % 3 == 0) {
+            search.rowsEdited(list.move(someRows(list), below(list.size() + 1)));
+        } else if (const auto rows = someRows(list); random() % 20 != 0) {
+            for (const qsizetype row : rows)
+                list.change(row, [](Track& track) { track.album = QStringLiteral("be"); });
+            search.tracksChanged(rangesOf(rows));
+        } else {
+            search.rowsEdited(list.clear());
+        }
+        if (random() % 2 == 0)
+            search.prepareSome(list);
+        else
+            ASSERT_EQ(search.find(list, QStringLiteral("b")),
+                      TrackSearch().find(list, QStringLiteral("b")));
+    }
 
     const VisibleRows some(std::vector<qint32>{4, 299, 300});
     EXPECT_EQ(some.indexFrom(299), 1);
