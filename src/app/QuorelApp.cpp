@@ -6,6 +6,7 @@
 #include "desktop/ActivationToken.h"
 #include "desktop/Mpris.h"
 #include "desktop/SingleInstance.h"
+#include "desktop/SuspendInhibition.h"
 #include "ui/AppIcon.h"
 #include "update/ProductAddresses.h"
 
@@ -77,6 +78,8 @@ void QuorelApp::settleIn() {
     instance_.start();
     mpris_ = std::make_unique<Mpris>(player_, [] { quit(); });
     mpris_->start();
+    suspendInhibition_ = std::make_unique<SuspendInhibition>(player_);
+    suspendInhibition_->start();
     updates_.check(false);
 }
 

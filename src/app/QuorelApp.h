@@ -16,6 +16,7 @@ namespace quorel {
 
 class Mpris;
 class SingleInstance;
+class SuspendInhibition;
 
 /// The running program: one controller, one update checker, one window, and what ties them to the
 /// desktop.
@@ -45,6 +46,7 @@ class QuorelApp final : public QObject {
     QuitSignals signals_;
     std::unique_ptr<Timer> settling_;
     std::unique_ptr<Mpris> mpris_; ///< there once it has settled in
+    std::unique_ptr<SuspendInhibition> suspendInhibition_;
     std::unique_ptr<QSystemTrayIcon> tray_;
 };
 
