@@ -8,6 +8,8 @@ using namespace quorel::test;
 
 namespace {
 
+// NOLINTBEGIN(readability-identifier-naming): the names of the desktops' methods
+
 /// What the desktops offer, both in one.
 class Desktop : public QObject {
     Q_OBJECT
@@ -45,6 +47,8 @@ class SessionManager : public Desktop {
     }
     void Uninhibit(quint32 cookie) { note("free", cookie); }
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 class SuspendInhibitionTest : public ControllerTest {
   protected:
