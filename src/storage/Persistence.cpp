@@ -46,9 +46,9 @@ std::optional<PersistedState> Persistence::load() {
     FileReplacement::removeUnfinished(folderOf(file));
     std::optional<QByteArray> json = readFile(file);
     auto state = json ? fromJson<PersistedState>(std::move(*json)) : std::nullopt;
-    isUnread_ = !state && isThere(file);
     if (state && state->playlists.isEmpty())
         state.reset();
+    isUnread_ = !state && isThere(file);
     return state;
 }
 

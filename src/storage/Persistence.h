@@ -18,7 +18,7 @@ class Persistence {
     std::optional<PersistedState> load();
 
     /// Replaces the file, readable by the user alone; false, and the old one intact, where that
-    /// fails. One that `load` could not understand is first set aside, beside it, as
+    /// fails. One of which `load` made nothing is first set aside, beside it, as
     /// quorel-data.json.unread (.unread.2 and so on while earlier ones are there).
     bool save(const PersistedState& state);
 
