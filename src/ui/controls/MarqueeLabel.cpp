@@ -118,29 +118,33 @@ void MarqueeLabel::paintMoving() {
     if (moving_.isNull())
         moving_ = wholeText();
     const double ratio = devicePixelRatioF();
-    QPixmap frame(size() * ratio);
-    frame.setDevicePixelRatio(ratio);
-    frame.fill(Qt::transparent);
-    QPainter painter(&frame);
-    const double shift = std::round(offset_ * uiScale() * ratio) / ratio;
-    painter.drawPixmap(QPointF(-shift, 0), moving_);
+    const double unit = uiScale() * ratio;
+    const QSize area = size() * ratio;
+    const int shift = qRound(offset_ * unit);
+    const int edge = std::min(qRound(kFade * unit), area.width() / 2);
+    QPainter painter(this);
+    const auto place = [&](int x) { return QPointF(x / ratio, 0); };
+    painter.drawPixmap(place(edge), moving_,
+                       QRect(shift + edge, 0, area.width() - 2 * edge, area.height()));
+    const int right = area.width() - edge;
+    painter.drawPixmap(place(0), edgeAt({shift, 0, edge, area.height()}, true, offset_));
+    painter.drawPixmap(place(right), edgeAt({shift + right, 0, edge, area.height()}, false,
+                                            path_.excess - offset_));
+}
+
+/// A piece of the text that fades out to one side, the more of it is hidden there; over the first
+/// bit of the way, not at once.
+QPixmap MarqueeLabel::edgeAt(const QRect& piece, bool isLeft, double hidden) const {
+    QPixmap picture = moving_.copy(piece);
+    const QRectF area(QPointF(0, 0), picture.deviceIndependentSize());
+    QLinearGradient gradient(isLeft ? area.topLeft() : area.topRight(),
+                             isLeft ? area.topRight() : area.topLeft());
+    gradient.setColorAt(0, Theme::faded(Qt::black, 1 - std::min(1.0, hidden / kFade)));
+    gradient.setColorAt(1, Qt::black);
+    QPainter painter(&picture);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    painter.scale(uiScale(), uiScale());
-    // Fades in over the first bit of the way, not at once.
-    const QRectF area = baseRect(*this);
-    const double width = std::min(kFade, area.width() / 2);
-    const auto fadeOut = [&](const QRectF& edge, QPointF from, QPointF to, double hidden) {
-        QLinearGradient gradient(from, to);
-        gradient.setColorAt(0, Theme::faded(Qt::black, 1 - std::min(1.0, hidden / kFade)));
-        gradient.setColorAt(1, Qt::black);
-        painter.fillRect(edge, gradient);
-    };
-    fadeOut({area.left(), area.top(), width, area.height()}, area.topLeft(),
-            area.topLeft() + QPointF(width, 0), offset_);
-    fadeOut({area.right() - width, area.top(), width, area.height()}, area.topRight(),
-            area.topRight() - QPointF(width, 0), path_.excess - offset_);
-    painter.end();
-    QPainter(this).drawPixmap(0, 0, frame);
+    painter.fillRect(area, gradient);
+    return picture;
 }
 
 void MarqueeLabel::showEvent(QShowEvent* event) {

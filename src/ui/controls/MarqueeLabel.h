@@ -45,6 +45,7 @@ class MarqueeLabel final : public QWidget {
     double textWidth() const;
     QColor ink() const;
     QPixmap wholeText() const;
+    QPixmap edgeAt(const QRect& piece, bool isLeft, double hidden) const;
     void paintMoving();
     void restart();
     void step();

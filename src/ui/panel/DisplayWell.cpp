@@ -138,9 +138,12 @@ void DisplayWell::paintEvent(QPaintEvent* event) {
     well_.show(*this, event->rect(), [this](QPainter& painter) {
         paintWell(painter, baseRect(*this), 8, Theme::panelBlack);
     });
-    // Most often it is the visualisation alone that moves.
-    if (visualization_->geometry().contains(event->rect()))
-        return;
+    // Most often one of these alone moves.
+    for (const QWidget* moving : {static_cast<QWidget*>(visualization_),
+                                  static_cast<QWidget*>(title_), static_cast<QWidget*>(time_)}) {
+        if (moving->geometry().contains(event->rect()))
+            return;
+    }
     BasePainter painter(this);
     paintTexts(painter);
     paintMarks(painter);
