@@ -7,44 +7,17 @@
 #include "model/PersistedState.h"
 #include "player/FileImport.h"
 #include "player/KeyMap.h"
+#include "player/News.h"
 #include "player/PlaybackState.h"
 #include "player/PlayerWindow.h"
 #include "player/Selection.h"
 #include "player/TrackOpener.h"
 #include "player/TracksEdit.h"
 
-#include <QFlags>
 #include <QObject>
 #include <memory>
 
 namespace quorel {
-
-/// What a change of the settings concerns.
-enum class SettingsPart {
-    Volume = 1, ///< volume, muting
-    Balance = 2,
-    Mode = 4,        ///< playback mode, shuffle
-    Equalizer = 8,   ///< with its presets
-    Processing = 16, ///< normalisation, compressor, tone compensation, gapless, trimming
-    Fades = 32,
-    Output = 64,
-    Display = 128, ///< visualisation, brightness, remaining time, font size
-    Window = 256,  ///< scale, always on top, playlist shown, closing, icon, resuming
-};
-Q_DECLARE_FLAGS(SettingsParts, SettingsPart)
-Q_DECLARE_OPERATORS_FOR_FLAGS(SettingsParts)
-
-enum class KeyNudge { Volume, Seek };
-
-/// Long work in the background that the user may watch and stop.
-struct Activity {
-    enum class Kind { Collecting, ReadingTags, Analysing };
-    Kind kind = Kind::Collecting;
-    qsizetype done = 0;
-    qsizetype total = 0; ///< 0 while it is not known
-
-    bool operator==(const Activity&) const = default;
-};
 
 /// The one object that the views observe: it owns the playlists, the settings and the state of
 /// playback, drives the engine and decides what plays next.

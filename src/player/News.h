@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QFlags>
+
+namespace quorel {
+
+// What PlayerController's signals tell of.
+
+/// What a change of the settings concerns.
+enum class SettingsPart {
+    Volume = 1, ///< volume, muting
+    Balance = 2,
+    Mode = 4,        ///< playback mode, shuffle
+    Equalizer = 8,   ///< with its presets
+    Processing = 16, ///< normalisation, compressor, tone compensation, gapless, trimming
+    Fades = 32,
+    Output = 64,
+    Display = 128, ///< visualisation, brightness, remaining time, font size
+    Window = 256,  ///< scale, always on top, playlist shown, closing, icon, resuming
+};
+Q_DECLARE_FLAGS(SettingsParts, SettingsPart)
+Q_DECLARE_OPERATORS_FOR_FLAGS(SettingsParts)
+
+enum class KeyNudge { Volume, Seek };
+
+/// Long work in the background that the user may watch and stop.
+struct Activity {
+    enum class Kind { Collecting, ReadingTags, Analysing };
+    Kind kind = Kind::Collecting;
+    qsizetype done = 0;
+    qsizetype total = 0; ///< 0 while it is not known
+
+    bool operator==(const Activity&) const = default;
+};
+
+} // namespace quorel
