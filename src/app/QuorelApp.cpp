@@ -4,10 +4,12 @@
 #include "audio/output/NullOutput.h"
 #include "audio/output/PulseOutput.h"
 #include "desktop/ActivationToken.h"
+#include "desktop/AnimationSetting.h"
 #include "desktop/Mpris.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/SuspendInhibition.h"
 #include "ui/AppIcon.h"
+#include "ui/theme/Motion.h"
 #include "update/ProductAddresses.h"
 
 #include <QApplication>
@@ -80,6 +82,7 @@ void QuorelApp::settleIn() {
     mpris_->start();
     suspendInhibition_ = std::make_unique<SuspendInhibition>(player_);
     suspendInhibition_->start();
+    askForAnimations(this, [] { setReducedAnimation(true); });
     updates_.check(false);
 }
 

@@ -40,6 +40,7 @@ AboutDialog::AboutDialog(QWidget* parent)
     dim.setColor(QPalette::WindowText, Theme::textDim);
     what->setPalette(dim);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    buttons->setCenterButtons(true); // as all above it
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(px(40), px(28), px(40), px(16));

@@ -6,6 +6,7 @@
 #include "ui/FilesAndFoldersDialog.h"
 
 #include <QDesktopServices>
+#include <QDir>
 #include <QFile>
 #include <QMessageBox>
 #include <QPointer>
@@ -19,6 +20,8 @@ namespace {
 /// Where the user was last; the music folder at first.
 QString& lastFolder() {
     static QString folder = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+    if (!QFileInfo(folder).isDir()) // Qt would take it for the name of a file
+        folder = QDir::homePath();
     return folder;
 }
 

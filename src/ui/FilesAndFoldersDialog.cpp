@@ -1,6 +1,7 @@
 #include "ui/FilesAndFoldersDialog.h"
 
 #include "media/AudioFiles.h"
+#include "ui/theme/Scale.h"
 
 #include <QDialogButtonBox>
 #include <QFileSystemModel>
@@ -28,9 +29,11 @@ FilesAndFoldersDialog::FilesAndFoldersDialog(QWidget* parent, const QString& tit
                                              const QString& folder)
     : QFileDialog(parent, title, folder)
     , list_((setOption(DontUseNativeDialog), findChild<QListView*>(QStringLiteral("listView")))) {
+    setOption(HideNameFilterDetails); // a dozen endings
     setFileMode(ExistingFiles);
     setViewMode(Detail);
     setNameFilters({musicFilter(), tr("All files (*)")});
+    resize(px(760), px(480));
     setLabelText(Accept, tr("&Add"));
     setLabelText(FileName, tr("Choose audio files and/or folders"));
     auto* const name = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));

@@ -1,4 +1,4 @@
-#include "ui/WindowFixture.h"
+#include "ui/AllWindows.h"
 
 #include <QAbstractButton>
 #include <algorithm>
@@ -9,7 +9,7 @@ using namespace quorel::test;
 
 namespace {
 
-class AccessTest : public WindowTest {
+class AccessTest : public AllWindowsTest {
   protected:
     /// What Tab leads to in front, in its order, once around.
     QWidgetList walk() {
@@ -27,8 +27,13 @@ class AccessTest : public WindowTest {
     static QPoint placeOf(const QWidget* widget) {
         return widget->mapTo(widget->window(), widget->rect().center());
     }
-    /// Begins where the highest of all begins, and goes on line by line from left to right.
-    static void expectReadingOrder(const QWidgetList& stops) {
+    /// Line by line from left to right, once around to what stands lowest.
+    static void expectReadingOrder(QWidgetList stops) {
+        const auto last = std::ranges::max_element(stops, {}, [](const QWidget* widget) {
+            const QPoint corner = widget->mapTo(widget->window(), widget->rect().bottomRight());
+            return std::pair(corner.y(), corner.x());
+        });
+        std::rotate(stops.begin(), last + 1, stops.end());
         for (qsizetype i = 1; i < stops.size(); ++i) {
             const QWidget& before = *stops.at(i - 1);
             const QWidget& after = *stops.at(i);
@@ -60,6 +65,18 @@ class AccessTest : public WindowTest {
             widget->setFocus(Qt::TabFocusReason);
         }
     }
+    /// Who walks down from the program comes to it.
+    static void expectInTree(QWidget* shown) {
+        QAccessibleInterface* face = QAccessible::queryAccessibleInterface(shown);
+        while (QAccessibleInterface* const parent = face->parent()) {
+            const int index = parent->indexOfChild(face);
+            ASSERT_GE(index, 0) << face->object()->metaObject()->className();
+            EXPECT_EQ(parent->child(index), face);
+            EXPECT_LT(index, parent->childCount());
+            face = parent;
+        }
+        EXPECT_EQ(face->role(), QAccessible::Application);
+    }
     /// All that wants the focus, whatever the order.
     qsizetype focusable() const {
         return std::ranges::count_if(front().findChildren<QWidget*>(), [](const QWidget* widget) {
@@ -74,26 +91,19 @@ class AccessTest : public WindowTest {
 TEST_F(AccessTest, TabReachesEverythingInReadingOrder) {
     open();
     play('B');
-    QWidgetList stops = walk();
-    EXPECT_EQ(stops.size(), focusable());
-    // What stands lowest is the last.
-    const auto last = std::ranges::max_element(stops, {}, [](const QWidget* widget) {
-        return widget->mapTo(widget->window(), widget->rect().bottomLeft()).y();
-    });
-    std::ranges::rotate(stops, last + 1);
-    expectReadingOrder(stops);
-    expectUsable(stops);
-    for (const char* const opener : {"Mode: normal", "Equalizer"}) {
-        click(opener);
-        stops = {front().focusWidget()};
-        EXPECT_TRUE(stops.first());
-        stops = walk();
-        EXPECT_EQ(stops.size(), focusable()) << opener;
-        std::ranges::rotate(stops, stops.end() - 1);
-        expectReadingOrder(stops);
-        expectUsable(stops);
-        key(Qt::Key_Escape);
-    }
+    const Scene main = {"main window", [this] { return window.get(); }};
+    for (const auto& scenes : {std::vector{main}, panels(), dialogs()})
+        for (const Scene& scene : scenes) {
+            const testing::ScopedTrace trace(__FILE__, __LINE__, scene.name);
+            QWidget* const shown = scene.show();
+            EXPECT_TRUE(shown->focusWidget());
+            expectInTree(shown);
+            const QWidgetList stops = walk();
+            EXPECT_EQ(stops.size(), focusable());
+            expectReadingOrder(stops);
+            expectUsable(stops);
+            leave();
+        }
 }
 
 TEST_F(AccessTest, WhatIsOnIsToldInWords) {
@@ -110,7 +120,7 @@ TEST_F(AccessTest, WhatIsOnIsToldInWords) {
         std::function<void(PlayerController&)> change;
     } kCases[] = {
         {"Mute", [](PlayerController& player) { player.toggleMute(); }},
-        {"Mode: normal", [](PlayerController& player) { player.toggleShuffle(); }},
+        {"Mode: repeat one, shuffle", [](PlayerController& player) { player.toggleShuffle(); }},
         {"Equalizer", [](PlayerController& player) { player.setEQEnabled(true); }},
         {"Playlist", [](PlayerController& player) { player.togglePlaylistVisible(); }},
         {"Visualization", [](PlayerController& player) { player.cycleVisualization(); }},

@@ -1,11 +1,8 @@
+#include "ui/BannerFixture.h"
 #include "ui/StatusBar.h"
-#include "ui/UpdateBanner.h"
-#include "ui/WindowFixture.h"
-#include "update/WebServer.h"
 
 #include <QAbstractButton>
 #include <QDragEnterEvent>
-#include <QLabel>
 #include <QMimeData>
 
 using namespace quorel;
@@ -38,41 +35,6 @@ class ShellTest : public WindowTest {
         }
         return all;
     }
-};
-
-/// The window with a feed to ask.
-class BannerTest : public ShellTest {
-  protected:
-    BannerTest() {
-        updateSource = {server.url("/appcast.json"), QStringLiteral("1.0"),
-                        pathFromBytes(folder.path("update.ini")),
-                        [this](const QUrl& page) { opened.push_back(page.toString()); },
-                        trustIn({identity})};
-        publish("2.0", "Better. <b>Much</b> better.");
-    }
-    void publish(const QByteArray& version, const QByteArray& notes) {
-        server.answers["/appcast.json"] =
-            answer("{\"version\":\"" + version +
-                   "\",\"url\":\"https://quorel.invalid/get\",\"notes\":\"" + notes + "\"}");
-    }
-    void check(bool force) {
-        updates->check(force);
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !updates->isChecking(); }, 20'000));
-        rest();
-    }
-    UpdateBanner* banner() const { return window->findChild<UpdateBanner*>(); }
-    QStringList texts() const {
-        QStringList texts;
-        for (const auto* const label : banner()->findChildren<QLabel*>())
-            if (label->isVisible())
-                texts += label->text();
-        return texts;
-    }
-
-    TestFolder keys;
-    QSslConfiguration identity = makeIdentity(keys, "IP:127.0.0.1");
-    WebServer server{identity};
-    QStringList opened;
 };
 
 } // namespace
@@ -218,29 +180,4 @@ TEST_F(BannerTest, OffersTheNewVersion) {
     EXPECT_EQ(texts(), QStringList{QStringLiteral("Quorel is up to date")});
     advance(3.1);
     EXPECT_FALSE(banner()->isVisible());
-}
-
-TEST_F(BannerTest, HasRoomAtAnyScale) {
-    publish("2.0", QByteArray(300, 'x').replace("xxxxx", "word "));
-    for (const bool withPlaylist : {true, false})
-        for (const double scale : {0.5, 1.0, 1.5}) {
-            saved.settings.showPlaylist = withPlaylist;
-            open();
-            window->setScale(scale, false);
-            rest();
-            const QSize size = window->size();
-            check(true);
-            EXPECT_EQ(window->width(), size.width()) << "a long text widens the window";
-            for (const auto* const label : banner()->findChildren<QLabel*>()) {
-                EXPECT_GE(label->height(), label->fontMetrics().height()) << scale;
-                EXPECT_GE(label->x(), px(8 + 12 + 20)) << "over the icon at " << scale;
-                EXPECT_TRUE(banner()->rect().contains(label->geometry())) << scale;
-            }
-            const auto* const line = window->findChild<StatusBar*>();
-            EXPECT_TRUE(window->centralWidget()->rect().contains(line->geometry())) << scale;
-            EXPECT_GE(window->height(), window->minimumSizeHint().height());
-            updates->dismiss();
-            rest();
-            EXPECT_EQ(window->size(), size) << scale;
-        }
 }

@@ -52,6 +52,8 @@ class WindowTest : public ControllerTest {
             return *popup;
         if (QWidget* const dialog = QApplication::activeModalWidget())
             return *dialog;
+        if (QWidget* const active = QApplication::activeWindow())
+            return *active;
         return *window;
     }
     /// The control in front that an assistive technology would know by that name.

@@ -1,5 +1,6 @@
 #include "ui/controls/PanelButton.h"
 
+#include "ui/controls/ButtonAccessible.h"
 #include "ui/theme/BasePainter.h"
 #include "ui/theme/Theme.h"
 
@@ -31,6 +32,7 @@ QKeyEvent asSpace(const QKeyEvent& event) {
 PanelButton::PanelButton(Face face, QWidget* parent)
     : QAbstractButton(parent)
     , face_(face) {
+    makeButtonsAccessible();
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

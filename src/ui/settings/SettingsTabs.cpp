@@ -134,10 +134,10 @@ ProcessingSettingsTab::ProcessingSettingsTab(PlayerController& player, QWidget* 
     beginPlate();
     addSwitch(tr("Tone compensation"), &S::loudness);
     QComboBox* const strength = addPicker(tr("Strength"), kStrengths, &S::loudnessStrength);
-    FormCaption* const caption =
-        addCaption(strength, tr("Lifts bass and treble as the volume comes down, to counter the "
-                                "ear losing them at low levels. Nothing is added at full volume."));
-    enableWith(&S::loudness, {strength->parentWidget(), caption});
+    // To be read before it is switched on, too.
+    addCaption(strength, tr("Lifts bass and treble as the volume comes down, to counter the "
+                            "ear losing them at low levels. Nothing is added at full volume."));
+    enableWith(&S::loudness, {strength->parentWidget()});
 }
 
 InterfaceSettingsTab::InterfaceSettingsTab(PlayerController& player, QWidget* parent)

@@ -15,6 +15,7 @@ SliderRow::SliderRow(const Look& look, QWidget* parent)
     slider_->setAccessibleName(look.title);
     slider_->setAccessibleDescription(look.help);
     slider_->setValueText(look.text);
+    slider_->setFocusPolicy(Qt::StrongFocus); // the arrows go on where the mouse has set it
     setToolTip(look.help);
     value_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     auto* const column = new QVBoxLayout(this);

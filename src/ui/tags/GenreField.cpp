@@ -24,7 +24,9 @@ class GenreField::Suggestions final : public QListWidget {
         colours.setColor(QPalette::Base, Theme::steel.darker(150));
         colours.setColor(QPalette::Window, Theme::steel.darker(150));
         colours.setColor(QPalette::WindowText, Theme::steelLight);
+        colours.setColor(QPalette::Highlight, Theme::faded(Theme::green, 0.18));
         setPalette(colours);
+        setAutoFillBackground(true); // beside the viewport, too
         hide();
     }
 

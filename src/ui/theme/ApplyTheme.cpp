@@ -27,6 +27,9 @@ void setScaledFont() {
 void applyTheme(QApplication& application) {
     QApplication::setStyle(new PanelStyle);
     QApplication::setPalette(PanelStyle::panelPalette());
+    QPalette menu = PanelStyle::panelPalette();
+    menu.setColor(QPalette::Window, Theme::steel.darker(150));
+    QApplication::setPalette(menu, "QMenu"); // those that combo boxes open, too
     QToolTip::setPalette(PanelStyle::panelPalette());
     setScaledFont();
     watchKeyboardFocus(application);
@@ -51,7 +54,6 @@ void setInterfaceScale(double scale) {
         for (QWidget* widget : widgets) {
             QEvent change(type);
             QApplication::sendEvent(widget, &change);
-            widget->updateGeometry();
         }
     }
     // Layouts keep what they asked; some did so while only a part of the widgets had changed.

@@ -62,7 +62,9 @@ double metricOf(QStyle::PixelMetric metric) {
     }
 }
 
-QSize menuItemSize(const QStyleOptionMenuItem& item, const QSize& contents) {
+QSize menuItemSize(const QStyleOptionMenuItem& item, QSize contents, bool isOfComboBox) {
+    if (isOfComboBox) // whose contents are the whole list
+        contents = {item.fontMetrics.horizontalAdvance(item.text), 0};
     if (item.menuItemType == QStyleOptionMenuItem::Separator)
         return {contents.width(), px(9)};
     const bool shortcut = item.text.contains(QLatin1Char('\t'));
@@ -140,9 +142,10 @@ int PanelStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
     switch (hint) {
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
-    case SH_ComboBox_Popup:
+        return 0;
+    case SH_ComboBox_Popup: // a menu, as all others
     case SH_Menu_Scrollable:
-        return hint == SH_Menu_Scrollable;
+        return 1;
     case SH_Slider_AbsoluteSetButtons:
         return Qt::LeftButton;
     case SH_ScrollBar_Transient:
@@ -171,7 +174,7 @@ QSize PanelStyle::sizeFromContents(ContentsType type, const QStyleOption* option
         return field(10 + kArrowWidth);
     case CT_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
-            return menuItemSize(*item, contents);
+            return menuItemSize(*item, contents, qobject_cast<const QComboBox*>(widget));
         break;
     case CT_MenuBarItem:
         return {contents.width() + px(16), std::max(contents.height() + px(6), px(24))};

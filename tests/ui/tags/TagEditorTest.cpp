@@ -3,8 +3,6 @@
 #include "support/AudioFixtures.h"
 #include "ui/tags/GenreField.h"
 #include "ui/tags/TagEditorView.h"
-#include "ui/theme/ApplyTheme.h"
-#include "ui/theme/Scale.h"
 
 #include <gmock/gmock.h>
 
@@ -12,7 +10,6 @@
 #include <QListWidget>
 #include <QProcess>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QTest>
 
 namespace quorel::test {
@@ -25,8 +22,6 @@ using testing::Not;
 
 class TagEditorTest : public ControllerTest {
   protected:
-    ~TagEditorTest() override { setInterfaceScale(1); }
-
     /// The sheet for a track of that file with these values.
     TagEditorView& edit(const QByteArray& path, Track track = {}) {
         track.id = idOf('E');
@@ -238,29 +233,6 @@ TEST_F(TagEditorTest, CompletesTheGenreByKeysAndMouse) {
     QTest::keyClick(&genre, Qt::Key_Return);
     EXPECT_FALSE(view->isVisible()); // saved: an empty file takes tags, too
     EXPECT_EQ(track().genre, QStringLiteral("Comedy"));
-}
-
-TEST_F(TagEditorTest, CutsNothingOffAtAnyScale) {
-    for (const double scale : {0.5, 1.0, 1.5}) {
-        setInterfaceScale(scale);
-        saved.playlists[0].tracks.clear();
-        edit(folder.write(
-            "a.mp3", QByteArray::fromStdString(id3Tag(3, frame3("APIC", "picture")) + "\xFF\xFB")));
-        type("Genre", "s");
-        QListWidget& list = *view->findChild<QListWidget*>();
-        QTest::keyClick(&field("Genre"), Qt::Key_Up);
-        QApplication::processEvents();
-        EXPECT_EQ(list.verticalScrollBar()->maximum(), 0) << scale;
-        EXPECT_EQ(list.currentRow(), 3);
-        for (const QWidget* const part : view->findChildren<QWidget*>()) {
-            if (!part->isVisible())
-                continue;
-            EXPECT_TRUE(part->parentWidget()->rect().contains(part->geometry()))
-                << part->metaObject()->className() << " at " << scale;
-            EXPECT_GE(part->height(), part->minimumSizeHint().height())
-                << part->metaObject()->className() << " at " << scale;
-        }
-    }
 }
 
 } // namespace
