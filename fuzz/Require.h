@@ -1,7 +1,11 @@
 #pragma once
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace quorel::fuzz {
 
@@ -12,5 +16,23 @@ inline void require(bool kept, const char* promise) {
         std::abort();
     }
 }
+
+/// A file in memory that holds these bytes.
+class MemoryFile {
+  public:
+    MemoryFile(const void* bytes, std::size_t size) {
+        require(number_ >= 0, "there is memory for the file");
+        const auto written = ::write(number_, bytes, size);
+        require(written == static_cast<ssize_t>(size), "the file is written");
+    }
+    ~MemoryFile() { ::close(number_); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    std::string path() const { return "/proc/self/fd/" + std::to_string(number_); }
+
+  private:
+    const int number_ = ::memfd_create("fuzz", MFD_CLOEXEC);
+};
 
 } // namespace quorel::fuzz

@@ -54,17 +54,14 @@ class EngineTest : public testing::TestWithParam<int> {
     /// How many of `count` frames from `at` on are not the ramp from its frame `first` on.
     int64_t wrongFrames(int64_t at, int64_t count, int64_t first) const {
         int64_t wrong = 0;
-        for (int64_t n = 0; n < count; ++n) {
+        for (int64_t n = 0; n < count; ++n)
             wrong += rampFrame(left(at + n)) != first + n ? 1 : 0;
-        }
         return wrong;
     }
     bool isSilent(int64_t at, int64_t count) const {
-        for (int64_t n = at; n < at + count; ++n) {
-            if (left(n) != 0.0F) {
+        for (int64_t n = at; n < at + count; ++n)
+            if (left(n) != 0.0F)
                 return false;
-            }
-        }
         return true;
     }
 

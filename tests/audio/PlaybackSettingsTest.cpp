@@ -15,34 +15,32 @@ class PlaybackSettings : public EngineTest {};
 INSTANTIATE_TEST_SUITE_P(OutputLatency, PlaybackSettings, testing::Values(0));
 
 TEST_P(PlaybackSettings, reachTheEngineWithinTheirRanges) {
-    struct Case {
-        double volume, pan, gain;    // as stored; the gain is that of band 1
-        float heardLeft, heardRight; // volume and balance together
-        float eqDb, bassDb;          // bass: of the tone compensation, 0.12 dB a percent
+    // Volume, balance and gain of band 1 as stored; left and right as heard; in dB, the gain
+    // and the bass of the tone compensation, 0.12 dB a percent.
+    const std::tuple<double, double, double, float, float, float, float> cases[] = {
+        {0.5, 0, 3, 0.5, 0.5, 3, 6},
+        {1, -1, -12, 1, 0, -12, 0},
+        {7, 0.5, 1e9, 0.5F, 1, 12, 0},
+        {-1, 0, -1e9, 0, 0, -12, 12},
+        {1, 1e300, 1e300, 0, 1, 12, 0},
+        {kNaN, kNaN, kNaN, 0, 0, 0, 12},
+        {kInfinity, -kInfinity, -kInfinity, 0, 0, 0, 12},
     };
-    for (const Case& c : {
-             Case{0.5, 0, 3, 0.5, 0.5, 3, 6},
-             {1, -1, -12, 1, 0, -12, 0},
-             {7, 0.5, 1e9, 0.5F, 1, 12, 0},
-             {-1, 0, -1e9, 0, 0, -12, 12},
-             {1, 1e300, 1e300, 0, 1, 12, 0},
-             {kNaN, kNaN, kNaN, 0, 0, 0, 12},
-             {kInfinity, -kInfinity, -kInfinity, 0, 0, 0, 12},
-         }) {
+    for (const auto& [volume, pan, gain, left, right, eqDb, bassDb] : cases) {
         AppSettings settings;
-        settings.volume = c.volume;
-        settings.pan = c.pan;
+        settings.volume = volume;
+        settings.pan = pan;
         settings.eqOn = true;
-        settings.eqGains = {0, c.gain};
+        settings.eqGains = {0, gain};
         settings.loudness = true;
         settings.gapless = false;
         OfflineRenderer renderer({kRate, rt::ChannelLayout::usual(2)});
         applySettings(renderer.engine(), settings);
         EXPECT_FALSE(renderer.engine().gaplessEnabled);
         renderer.render(kRate / 2, out); // the published values get where they are going
-        EXPECT_EQ(renderer.engine().eqBandGains()[1], c.eqDb);
+        EXPECT_EQ(renderer.engine().eqBandGains()[1], eqDb);
         EXPECT_EQ(renderer.engine().eqBandGains()[2], 0);
-        EXPECT_NEAR(renderer.engine().loudBandGains()[0], c.bassDb, 1e-5);
+        EXPECT_NEAR(renderer.engine().loudBandGains()[0], bassDb, 1e-5);
 
         settings.eqOn = settings.loudness = false;
         applySettings(renderer.engine(), settings);
@@ -50,8 +48,8 @@ TEST_P(PlaybackSettings, reachTheEngineWithinTheirRanges) {
         ASSERT_FALSE(renderer.engine().load(track(stereo(Samples(2 * kRate, 0.5F))), 0));
         renderer.render(kRate, out);
         EXPECT_TRUE(renderer.engine().eqBypassed() && renderer.engine().loudBypassed());
-        EXPECT_NEAR(out[static_cast<std::size_t>(kRate)], atRest(0.5F) * c.heardLeft, 1e-4);
-        EXPECT_NEAR(out[static_cast<std::size_t>(kRate) + 1], atRest(0.5F) * c.heardRight, 1e-4);
+        EXPECT_NEAR(out[static_cast<std::size_t>(kRate)], atRest(0.5F) * left, 1e-4);
+        EXPECT_NEAR(out[static_cast<std::size_t>(kRate) + 1], atRest(0.5F) * right, 1e-4);
     }
 }
 
@@ -61,9 +59,8 @@ TEST(FadeLength, isWholeMillisecondsWithinAMinute) {
                                        {true, 0.9, 0},
                                        {true, -5.0, 0},
                                        {true, 1e300, 60000},
-                                       {true, kNaN, 0}}) {
+                                       {true, kNaN, 0}})
         EXPECT_EQ(fadeLengthMs(on, ms), want) << ms;
-    }
 }
 
 TEST(TrackToPlay, isMeasuredAndLimitedAsTheSettingsWant) {

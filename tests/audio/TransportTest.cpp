@@ -30,38 +30,20 @@ TEST_P(Transport, playsOnlyBetweenTheTrimPoints) {
 }
 
 TEST_P(Transport, refusesWhatCannotBePlayed) {
-    struct Case {
-        const char* what;
-        double start;
-        std::optional<double> end;
-        bool playable;
+    const std::tuple<const char*, double, std::optional<double>, bool> cases[] = {
+        {"start at end", 0.5, 0.5, false},          {"start past end", 0.75, 0.5, false},
+        {"start past the file", 3, {}, false},      {"end before 0", 0, -1.0, false},
+        {"start without bound", kNever, {}, false}, {"huge start", 1e300, {}, false},
+        {"end without bound", 0, kNever, false},    {"not a number", 0, std::nan(""), false},
+        {"negative start", -5, {}, true},           {"end past the file", 0, 9.0, true},
     };
-    for (const auto& [what, start, end, playable] :
-         {Case{"start at end", 0.5, 0.5, false}, Case{"start past end", 0.75, 0.5, false},
-          Case{"start past the file", 3, {}, false}, Case{"end before 0", 0, -1.0, false},
-          Case{"start without bound", kNever, {}, false}, Case{"huge start", 1e300, {}, false},
-          Case{"end without bound", 0, kNever, false}, Case{"not a number", 0, std::nan(""), false},
-          Case{"negative start", -5, {}, true}, Case{"end past the file", 0, 9.0, true}}) {
+    for (const auto& [what, start, end, playable] : cases) {
         const auto error = engine.load(track(stereo(ramp(48000)), start, end), 0);
         EXPECT_EQ(!error, playable) << what;
         EXPECT_EQ(engine.isPlaying(), playable) << what;
-        if (error) {
-            EXPECT_EQ(error->code, 1) << what;
-            EXPECT_EQ(error->domain, QStringLiteral("Quorel"));
-        }
+        EXPECT_TRUE(!error || (error->code == 1 && error->domain == QStringLiteral("Quorel")));
     }
     EXPECT_EQ(engine.load({}, 0)->code, 2);
-}
-
-TEST_P(Transport, queuedTrackFollowsWithoutAGap) {
-    const auto second = track(stereo(ramp(50000, 70001)));
-    ASSERT_TRUE(load(track(stereo(ramp(70001)))));
-    ASSERT_TRUE(engine.preloadNext(second));
-    render(3.5);
-    EXPECT_EQ(wrongFrames(0, 120001, 0), 0);
-    ASSERT_EQ(promoted.size(), 1U);
-    EXPECT_EQ(promoted[0], std::pair(second.trackID, int64_t{70001}));
-    EXPECT_EQ(ended, std::vector<int64_t>{120001});
 }
 
 TEST_P(Transport, positionRunsOnAcrossAPromotion) {
@@ -157,7 +139,6 @@ TEST_P(Transport, discardedTrackLeavesNoTrace) {
         for (const bool another : {false, true}) {
             out.clear();
             ended.clear();
-            const int64_t begin = offline.position();
             ASSERT_TRUE(load(track(stereo(ramp(144000)))));
             ASSERT_TRUE(engine.preloadNext(track(stereo(ramp(48000, 500000)))));
             render(after);
@@ -167,8 +148,7 @@ TEST_P(Transport, discardedTrackLeavesNoTrace) {
                 EXPECT_TRUE(engine.preloadNext(track(stereo(ramp(48000, 144000)))));
             }
             render(5.0 - after);
-            EXPECT_EQ(wrongFrames(0, another ? 192000 : 144000, 0), 0)
-                << after << ' ' << another << ' ' << begin;
+            EXPECT_EQ(wrongFrames(0, another ? 192000 : 144000, 0), 0) << after << ' ' << another;
             EXPECT_EQ(ended.size(), 1U);
         }
     }
@@ -178,11 +158,11 @@ TEST_P(Transport, discardedTrackLeavesNoTrace) {
 TEST_P(Transport, aFileThatGivesOutEarlyEndsThere) {
     const auto broken = std::make_shared<MadeFile>(kRate, 2, ramp(60000), 300000);
     ASSERT_TRUE(load(track(broken)));
-    ASSERT_TRUE(engine.preloadNext(track(stereo(ramp(48000, 60000)))));
+    const auto second = track(stereo(ramp(48000, 60000)));
+    ASSERT_TRUE(engine.preloadNext(second));
     render(3.0);
     EXPECT_EQ(wrongFrames(0, 108000, 0), 0);
-    ASSERT_EQ(promoted.size(), 1U);
-    EXPECT_EQ(promoted[0].second, 60000);
+    EXPECT_EQ(promoted, (std::vector{std::pair(second.trackID, int64_t{60000})}));
     EXPECT_EQ(ended, std::vector<int64_t>{108000});
 }
 
@@ -230,19 +210,17 @@ TEST_P(Transport, goesOnFromTheLastHeardFrameWhenTheOutputIsBack) {
 }
 
 TEST_P(Transport, renderingNeitherAllocatesNorLocks) {
-    if (!RealtimeGuard::isActive()) {
+    if (!RealtimeGuard::isActive())
         GTEST_SKIP() << "sanitizers replace the allocator";
-    }
     ASSERT_TRUE(load(track(stereo(ramp(480000)))));
     struct Guarded final : RenderClient {
-        explicit Guarded(RenderClient& inner)
-            : client(inner) {}
         void render(float* interleaved, int frames) noexcept override {
             const RealtimeGuard guard;
-            client.render(interleaved, frames);
+            client->render(interleaved, frames);
         }
-        RenderClient& client;
-    } guarded(offline.output().client());
+        RenderClient* client = nullptr;
+    } guarded;
+    guarded.client = &offline.output().client();
     offline.output().setClient(guarded);
     const int before = RealtimeGuard::offences();
     engine.setEqEnabled(true);

@@ -76,15 +76,12 @@ TEST(SerialQueue, letsUrgentTasksJumpAheadOfWaitingOnes) {
 
 TEST(SerialQueue, dropsTheResultOfATaskWhereverItIsStopped) {
     enum class When { Never, Waiting, UnderWay, Done, QueueGone };
-    struct Case {
-        When when;
-        std::string happened;
-    };
-    const Case kCases[] = {
+    const std::pair<When, std::string> kCases[] = {
         {When::Never, "begun finished"}, {When::Waiting, ""},        {When::UnderWay, "begun seen"},
         {When::Done, "begun"},           {When::QueueGone, "begun"},
     };
-    for (const Case& c : kCases) {
+    for (const auto& [stopped, expected] : kCases) {
+        const When when = stopped;
         ManualClock clock;
         auto queue = std::make_unique<SerialQueue>(Mode::Pumped, clock, "test");
         std::string happened;
@@ -92,20 +89,20 @@ TEST(SerialQueue, dropsTheResultOfATaskWhereverItIsStopped) {
         stop = queue->post(
             Priority::Ordinary,
             [&](const std::stop_token& token) {
-                if (c.when == When::UnderWay)
+                if (when == When::UnderWay)
                     stop.request_stop();
                 happened = token.stop_requested() ? "begun seen" : "begun";
             },
             [&] { happened += " finished"; });
-        if (c.when == When::Waiting)
+        if (when == When::Waiting)
             stop.request_stop();
         queue->drain();
-        if (c.when == When::Done)
+        if (when == When::Done)
             stop.request_stop();
-        if (c.when == When::QueueGone)
+        if (when == When::QueueGone)
             queue.reset();
         clock.runPosted();
-        EXPECT_EQ(happened, c.happened) << int(c.when);
+        EXPECT_EQ(happened, expected) << int(when);
     }
 }
 

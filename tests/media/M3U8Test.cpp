@@ -34,11 +34,7 @@ QByteArray textOf(const Track& track) {
 TEST(M3U8, text) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const QString path = QStringLiteral("/p.mp3");
-    struct Case {
-        Track track;
-        QByteArray lines;
-    };
-    const Case kCases[] = {
+    const std::tuple<Track, QByteArray> kCases[] = {
         {track(QStringLiteral("A"), QStringLiteral("T"), 215.9, QStringLiteral("/m/%41 #1.mp3")),
          "#EXTINF:215,A - T\n/m/%41 #1.mp3\n"},
         {track({}, QStringLiteral(u"Ödön"), {}, path), "#EXTINF:-1,Ödön\n/p.mp3\n"},
@@ -52,19 +48,15 @@ TEST(M3U8, text) {
         {track({}, QStringLiteral("T"), 1, QStringLiteral("/a\n%.mp3")),
          "#EXTINF:1,T\nfile:///a%0A%25.mp3\n"},
     };
-    for (const Case& c : kCases)
-        EXPECT_EQ(textOf(c.track), c.lines);
+    for (const auto& [track, lines] : kCases)
+        EXPECT_EQ(textOf(track), lines);
     EXPECT_EQ(M3U8::text({}), "#EXTM3U\n");
 }
 
 TEST(M3U8, entries) {
-    struct Case {
-        QByteArray text;
-        std::optional<QStringList> entries;
-    };
     const auto one = [](const char* path) { return QStringList{QString::fromUtf8(path)}; };
     const QStringList none;
-    const Case kCases[] = {
+    const std::tuple<QByteArray, std::optional<QStringList>> kCases[] = {
         {"", none},
         {"\xEF\xBB\xBF#EXTM3U\n/a.mp3\n", one("/a.mp3")},
         {"\xEF\xBB\xBF/a.mp3", one("/a.mp3")},
@@ -87,8 +79,8 @@ TEST(M3U8, entries) {
         {"/a\xFF.mp3", std::nullopt},
         {"\xFF\xFE/\0a\0", std::nullopt},
     };
-    for (const Case& c : kCases)
-        EXPECT_EQ(M3U8::entries(c.text), c.entries) << c.text.constData();
+    for (const auto& [text, entries] : kCases)
+        EXPECT_EQ(M3U8::entries(text), entries) << text.constData();
 }
 
 TEST(M3U8, whatIsExportedIsImportedAgain) {

@@ -7,21 +7,17 @@
 using namespace quorel;
 
 TEST(FileUri, holdsTheBytesOfThePath) {
-    struct Case {
-        const char* bytes;
-        const char* uri;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*> cases[] = {
         {"/music/a.mp3", "file:///music/a.mp3"},
         {"/a b/100%#1?.mp3", "file:///a%20b/100%25%231%3F.mp3"},
         {"/Bj\xC3\xB6rk.flac", "file:///Bj%C3%B6rk.flac"},
         {"/old \xE9t\xE9.mp3", "file:///old%20%E9t%E9.mp3"},
         {"/it's (live) [x].wav", "file:///it's%20(live)%20%5Bx%5D.wav"},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(fileUri(pathFromBytes(c.bytes)).toLatin1(), c.uri);
-        const auto path = pathOfFileUri(QString::fromLatin1(c.uri));
-        EXPECT_EQ(pathToBytes(path.value_or(QString())), c.bytes) << c.uri;
+    for (const auto& [bytes, uri] : cases) {
+        EXPECT_EQ(fileUri(pathFromBytes(bytes)).toLatin1(), uri);
+        const auto path = pathOfFileUri(QString::fromLatin1(uri));
+        EXPECT_EQ(pathToBytes(path.value_or(QString())), bytes) << uri;
     }
 }
 

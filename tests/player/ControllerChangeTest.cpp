@@ -46,38 +46,3 @@ TEST_F(ControllerChange, WhatWasQueuedBeforeAndIsRemovedDoesNotPlay) {
     settle();
     EXPECT_EQ(playing(), 'F');
 }
-
-TEST_F(ControllerChange, IsToldOfOnceItIsThere) {
-    launch();
-    play('A');
-    int told = 0;
-    const auto look = [this, &told] {
-        ++told;
-        EXPECT_EQ(controller->playingTrack()->id, controller->playingTrackID());
-        EXPECT_EQ(controller->playback().currentTime(), engine->currentTime());
-    };
-    QObject::connect(controller.get(), &PlayerController::transportChanged, look);
-    QObject::connect(&controller->playback(), &PlaybackState::positionChanged, look);
-    controller->play(idOf('C'), list());
-    controller->pause(); // it shall be paused when it is there
-    advance(0.1);
-    EXPECT_EQ(playing(), 'C');
-    EXPECT_FALSE(controller->playback().isPlaying());
-    EXPECT_GT(told, 2);
-}
-
-TEST_F(ControllerChange, WhatMayFollowIsToldOf) {
-    saved.playlists = {letters("AB"), letters("")};
-    launch();
-    bool canPlayNext = controller->canPlayNext();
-    QObject::connect(controller.get(), &PlayerController::transportChanged,
-                     [&] { canPlayNext = controller->canPlayNext(); });
-    for (const qsizetype tab :
-         {1, 0}) { // with nothing playing, what may follow is in the tab shown
-        controller->setActivePlaylist(list(tab));
-        EXPECT_EQ(canPlayNext, tab == 0);
-    }
-    play('A');
-    controller->nextTrack(); // on its way already
-    EXPECT_FALSE(canPlayNext);
-}

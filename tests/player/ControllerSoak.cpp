@@ -201,20 +201,14 @@ void ControllerSoak::addSettings() {
     add("shuffle", 6, [this] { player_.toggleShuffle(); });
     add("the equaliser", 1, [this] { player_.setEQEnabled(below(2) == 0); });
     add("a band", 2, [this] { player_.setEQGain(int(below(12)) - 1, between(-12, 12)); });
-    add("a preset", 3, [this] {
-        const QString own = QString::number(below(3));
-        switch (below(4)) {
-        case 0:
-            return player_.applyEQPreset(below(2) == 0 ? own : kEqPresets.back().name);
-        case 1:
-            return player_.resetEQ();
-        case 2:
-            ASSERT_TRUE(player_.saveCustomEQPreset(own) && player_.isCurrentEQPresetCustom());
-            return;
-        default:
-            return player_.deleteCustomEQPreset(own);
-        }
+    const auto own = [this] { return QString::number(below(3)); };
+    add("a preset", 1, [this] { player_.applyEQPreset(kEqPresets.back().name); });
+    add("an own preset", 1, [this, own] { player_.applyEQPreset(own()); });
+    add("no preset", 1, [this] { player_.resetEQ(); });
+    add("keeping a preset", 1, [this, own] {
+        ASSERT_TRUE(player_.saveCustomEQPreset(own()) && player_.isCurrentEQPresetCustom());
     });
+    add("deleting a preset", 1, [this, own] { player_.deleteCustomEQPreset(own()); });
     add("the device", 1, [this] { player_.setOutputDevice(QString::number(below(2))); });
     add("the picture", 1, [this] { player_.cycleVisualization(); });
     add("the scale", 1, [this] { player_.setUIScale(between(0, 2)); });

@@ -23,15 +23,7 @@ class ToldView {
     bool areRowsCurrent() const;
 
   private:
-    struct Row {
-        QUuid id;
-        QString path;
-        QString title;
-        QString artist;
-        std::optional<double> duration;
-
-        bool operator==(const Row&) const = default;
-    };
+    using Row = std::tuple<QUuid, QString, QString, QString, std::optional<double>>;
     using Rows = std::vector<Row>;
     struct Part {
         const char* name;

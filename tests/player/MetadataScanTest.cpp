@@ -83,85 +83,61 @@ TEST(MetadataFold, takesWhatWasReadAndKeepsWhatWasNot) {
     const Text none;
     const Text old = QStringLiteral("old");
     const Text read = QStringLiteral("read");
-    struct Fields {
-        Text title;
-        Text album;
-        std::optional<double> duration;
-    };
-    struct Case {
-        const char* what;
-        Fields known;
-        Fields read;
-        Fields folded;
-    };
-    const Case kCases[] = {
+    using Fields = std::tuple<Text, Text, std::optional<double>>; // title, album, duration
+    const std::tuple<const char*, Fields, Fields, Fields> kCases[] = {
         {"all is new", {old, none, {}}, {read, read, 9}, {read, read, 9}},
         {"nothing could be read", {old, old, 9}, {none, none, {}}, {old, old, 9}},
         {"only tags could be read", {old, old, 9}, {read, none, {}}, {read, old, 9}},
         {"the file has the tag no more", {old, old, 9}, {none, none, 8}, {old, none, 8}},
         {"an empty title is none", {old, none, {}}, {QString(), none, 9}, {old, none, 9}},
     };
-    for (const Case& c : kCases) {
-        const auto trackOf = [](const Fields& fields) {
-            Track track;
-            track.title = *fields.title;
-            track.album = fields.album;
-            track.duration = fields.duration;
-            track.bpm = 120;
-            return track;
-        };
+    for (const auto& [what, known, found, folded] : kCases) {
+        Track before;
+        std::tie(before.title, before.album, before.duration) =
+            std::tuple(*std::get<0>(known), std::get<1>(known), std::get<2>(known));
         TrackMetadata metadata;
-        metadata.title = c.read.title;
-        metadata.album = c.read.album;
-        metadata.duration = c.read.duration;
-        EXPECT_TRUE(withMetadata(trackOf(c.known), metadata) == trackOf(c.folded)) << c.what;
+        std::tie(metadata.title, metadata.album, metadata.duration) = found;
+        const Track after = withMetadata(before, metadata);
+        EXPECT_EQ(Fields(after.title, after.album, after.duration), folded) << what;
     }
 }
 
 TEST(MetadataFold, estimatesOnlyAMissingRate) {
-    struct Case {
-        std::optional<double> duration;
-        std::optional<qint64> rate;
-        qint64 bytes;
-        std::optional<qint64> expected;
+    const std::optional<qint64> none;
+    const std::tuple<double, std::optional<qint64>, qint64, std::optional<qint64>> kCases[] = {
+        {10, none, 400'000, 320}, {10, none, 625, 1},       {10, none, 0, none},
+        {10, 128, 400'000, 128},  {1, none, 400'000, none},
     };
-    const Case kCases[] = {
-        {10.0, {}, 400'000, 320},  {10.0, {}, 625, 1},     {10.0, {}, 0, {}},
-        {10.0, 128, 400'000, 128}, {1.0, {}, 400'000, {}}, {{}, {}, 400'000, {}},
-    };
-    for (const Case& c : kCases) {
-        TrackMetadata read;
-        read.duration = c.duration;
-        read.bitrateKbps = c.rate;
-        EXPECT_EQ(withEstimatedBitrate(read, [&c] { return c.bytes; }).bitrateKbps, c.expected)
-            << c.bytes;
+    TrackMetadata read;
+    for (const auto& [duration, rate, bytes, expected] : kCases) {
+        read.duration = duration;
+        read.bitrateKbps = rate;
+        EXPECT_EQ(withEstimatedBitrate(read, [size = bytes] { return size; }).bitrateKbps, expected)
+            << bytes;
     }
+    read.duration.reset();
+    EXPECT_FALSE(withEstimatedBitrate(read, [] { return 400'000; }).bitrateKbps);
 }
 
 TEST(MetadataScan, readsEveryTrackOnceInOrder) {
-    struct Case {
-        const char* what;
-        std::vector<std::string_view> lists;
-        const char* unreadable;
-        const char* log;
-    };
-    const Case kCases[] = {
-        {"nothing to read", {"", ""}, "", ""},
-        {"in the order of tabs and rows", {"CA", "B"}, "", "CAB/2/1."},
-        {"an unreadable file changes nothing", {"AB"}, "B", "AB/1."},
-        {"no file can be read", {"A"}, "A", "A."},
-    };
-    for (const Case& c : kCases) {
-        Library library(c.lists);
-        for (const char letter : std::string_view(c.unreadable))
+    const std::tuple<const char*, std::vector<std::string_view>, const char*, const char*>
+        kCases[] = {
+            {"nothing to read", {"", ""}, "", ""},
+            {"in the order of tabs and rows", {"CA", "B"}, "", "CAB/2/1."},
+            {"an unreadable file changes nothing", {"AB"}, "B", "AB/1."},
+            {"no file can be read", {"A"}, "A", "A."},
+        };
+    for (const auto& [what, lists, unreadable, log] : kCases) {
+        Library library(lists);
+        for (const char letter : std::string_view(unreadable))
             library.disk[QChar::fromLatin1(letter)] = {};
         library.scan.request(library.tabs);
-        EXPECT_EQ(library.run(), c.log) << c.what;
-        EXPECT_FALSE(library.scan.isRunning()) << c.what;
+        EXPECT_EQ(library.run(), log) << what;
+        EXPECT_FALSE(library.scan.isRunning()) << what;
         library.log.clear();
         library.scan.request(library.tabs);
         library.run();
-        EXPECT_EQ(library.log.substr(0, library.log.find('.')), c.unreadable) << c.what;
+        EXPECT_EQ(library.log.substr(0, library.log.find('.')), unreadable) << what;
     }
 }
 
@@ -214,33 +190,26 @@ TEST(MetadataScan, followsTracksThatMoveAndPassesOverThoseThatGo) {
 }
 
 TEST(MetadataScan, showsNoTagsFromBeforeASave) {
-    struct Case {
-        const char* savedWhile;
-        int begun;
-        int finished;
-        const char* log;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, int, int, const char*> kCases[] = {
         {"the file waits", 1, 0, "ABC/3."},
         {"the file is read", 2, 0, "ABCB/3."},
         {"the reading waits", 3, 2, "ABCB/3."},
     };
-    for (const Case& c : kCases) {
+    for (const auto& [savedWhile, begun, finished, log] : kCases) {
         Library library({"ABC"});
         library.scan.request(library.tabs);
-        std::vector<std::optional<MetadataScan::File>> files;
-        files.reserve(std::size_t(c.begun));
-        for (int i = 0; i < c.begun; ++i)
-            files.push_back(library.begin());
+        std::vector<MetadataScan::File> files;
+        while (int(files.size()) < begun)
+            files.push_back(*library.begin());
         const auto finish = [&](int first, int end) {
             for (int i = first; i < end; ++i)
-                library.scan.read(*files[std::size_t(i)], readingOf(files[std::size_t(i)]->path));
+                library.scan.read(files[std::size_t(i)], readingOf(files[std::size_t(i)].path));
         };
-        finish(0, c.finished);
+        finish(0, finished);
         library.scan.tagsSaved(QStringLiteral("B"));
         library.disk[QStringLiteral("B")] = readingOf(QStringLiteral("N"));
-        finish(c.finished, c.begun); // with the tags of before
-        EXPECT_EQ(library.run(), c.log) << c.savedWhile;
-        EXPECT_EQ(library.tabs.at(1).tracks().at(1).title, QStringLiteral("N")) << c.savedWhile;
+        finish(finished, begun); // with the tags of before
+        EXPECT_EQ(library.run(), log) << savedWhile;
+        EXPECT_EQ(library.tabs.at(1).tracks().at(1).title, QStringLiteral("N")) << savedWhile;
     }
 }

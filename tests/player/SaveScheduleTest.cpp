@@ -16,15 +16,6 @@ struct SlowDisk {
     explicit SlowDisk(Clock::Duration takes)
         : takes_(takes) {}
 
-    SaveSchedule::Actions actions() {
-        return {.start = [this](quint64 save) { begin(save); },
-                .wait =
-                    [this] {
-                        EXPECT_TRUE(writing_) << "waits for nothing";
-                        writing_ = false;
-                    }};
-    }
-
     void begin(quint64 save) {
         EXPECT_FALSE(writing_) << "two saves at once";
         writing_ = true;
@@ -39,18 +30,26 @@ struct SlowDisk {
         else
             ends_.push_back(clock.startTimer(takes_, Clock::Repeat::Once, end));
     }
+    void wait() {
+        EXPECT_TRUE(writing_) << "waits for nothing";
+        writing_ = false;
+    }
 
     void changeAt(Clock::Duration time) {
         clock.advanceTo(time);
         ++state;
         schedule.changed();
     }
+    void changeAt(const std::vector<int>& milliseconds) {
+        for (const int time : milliseconds)
+            changeAt(std::chrono::milliseconds(time));
+    }
 
     ManualClock clock;
     int state = 0;
     int saved = 0;
     std::vector<qint64> starts; ///< of saves, in milliseconds
-    SaveSchedule schedule{clock, actions()};
+    SaveSchedule schedule{clock, {[this](quint64 save) { begin(save); }, [this] { wait(); }}};
 
   private:
     Clock::Duration takes_;
@@ -61,67 +60,47 @@ struct SlowDisk {
 } // namespace
 
 TEST(SaveSchedule, savesSoonAfterABurstAndNeverTwiceAtOnce) {
-    struct Case {
-        const char* what;
-        std::vector<int> changes; ///< milliseconds
-        Clock::Duration saving;
-        std::vector<qint64> starts;
+    // Changes, how long a save takes, when saves start; all in milliseconds.
+    const std::tuple<const char*, std::vector<int>, int, std::vector<qint64>> kCases[] = {
+        {"nothing changed", {}, 0, {}},
+        {"ten changes within 0.3 s", {0, 30, 60, 90, 120, 150, 180, 210, 240, 300}, 0, {800}},
+        {"changes without a pause", {0, 400, 800, 1200, 1600, 1999}, 0, {2000}},
+        {"the bound counts anew", {0, 600, 1000, 1400, 1800, 2200, 2590}, 0, {500, 2600}},
+        {"a change just before it is due", {0, 499}, 0, {999}},
+        {"due while saving", {0, 600, 700}, 3000, {500, 3500}},
+        {"changed all the while", {0, 600, 1000, 1400, 1800, 2200, 2600, 3400}, 3000, {500, 3500}},
+        {"changed just before a saving ends", {0, 600, 650}, 200, {500, 1150}},
     };
-    const Case kCases[] = {
-        {"nothing changed", {}, 0ms, {}},
-        {"one change", {100}, 0ms, {600}},
-        {"ten changes within 0.3 s", {0, 30, 60, 90, 120, 150, 180, 210, 240, 300}, 0ms, {800}},
-        {"changes without a pause", {0, 400, 800, 1200, 1600, 1999}, 0ms, {2000}},
-        {"the bound counts anew after a save",
-         {0, 600, 1000, 1400, 1800, 2200, 2590},
-         0ms,
-         {500, 2600}},
-        {"a change just before it is due", {0, 499}, 0ms, {999}},
-        {"due while saving", {0, 600, 700}, 3s, {500, 3500}},
-        {"changed all the while of a long saving",
-         {0, 600, 1000, 1400, 1800, 2200, 2600, 3400},
-         3s,
-         {500, 3500}},
-        {"changed just before a saving ends", {0, 600, 650}, 200ms, {500, 1150}},
-    };
-    for (const Case& c : kCases) {
-        SlowDisk disk(c.saving);
-        for (const int time : c.changes)
-            disk.changeAt(std::chrono::milliseconds(time));
+    for (const auto& [what, changes, saving, starts] : kCases) {
+        SlowDisk disk{std::chrono::milliseconds(saving)};
+        disk.changeAt(changes);
         disk.clock.advance(20s);
-        EXPECT_EQ(disk.starts, c.starts) << c.what;
-        EXPECT_EQ(disk.saved, disk.state) << c.what;
-        EXPECT_FALSE(disk.clock.nextDeadline()) << c.what;
+        EXPECT_EQ(disk.starts, starts) << what;
+        EXPECT_EQ(disk.saved, disk.state) << what;
+        EXPECT_FALSE(disk.clock.nextDeadline()) << what;
     }
 }
 
 TEST(SaveSchedule, flushSavesWhatIsNotSaved) {
-    struct Case {
-        const char* what;
-        std::vector<int> changes;
-        int flushAt;
-        std::vector<qint64> starts;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, std::vector<int>, int, std::vector<qint64>> kCases[] = {
         {"nothing to save", {}, 10, {}},
         {"a change waits", {0}, 10, {10}},
         {"a save is under way", {0}, 510, {500}},
         {"a save is under way and a change waits", {0, 505}, 510, {500, 510}},
         {"all is saved", {0}, 3000, {500}},
     };
-    for (const Case& c : kCases) {
+    for (const auto& [what, changes, flushAt, starts] : kCases) {
         SlowDisk disk(1s);
-        for (const int time : c.changes)
-            disk.changeAt(std::chrono::milliseconds(time));
-        disk.clock.advanceTo(std::chrono::milliseconds(c.flushAt));
+        disk.changeAt(changes);
+        disk.clock.advanceTo(std::chrono::milliseconds(flushAt));
         disk.schedule.flush();
-        EXPECT_EQ(disk.starts, c.starts) << c.what;
-        EXPECT_EQ(disk.saved, disk.state) << c.what;
+        EXPECT_EQ(disk.starts, starts) << what;
+        EXPECT_EQ(disk.saved, disk.state) << what;
         // The end of a save that was waited for comes even so, and is not taken for the next one's.
         disk.changeAt(disk.clock.now());
         disk.changeAt(disk.clock.now() + 501ms);
         disk.clock.advance(20s);
-        EXPECT_EQ(disk.starts.size(), c.starts.size() + 2) << c.what;
-        EXPECT_EQ(disk.saved, disk.state) << c.what;
+        EXPECT_EQ(disk.starts.size(), starts.size() + 2) << what;
+        EXPECT_EQ(disk.saved, disk.state) << what;
     }
 }

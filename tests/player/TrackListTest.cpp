@@ -14,57 +14,35 @@ using Ranges = std::vector<RowRange>;
 } // namespace
 
 TEST(TrackList, movesRowsTogetherBeforeAGap) {
-    struct Case {
-        Rows rows;
-        qsizetype gap;
-        std::string after;
-        Ranges ranges; ///< none where nothing is to happen
+    const std::tuple<std::string_view, qsizetype, std::string> kCases[] = {
+        {"A", 2, "BACDEF"},  {"A", 6, "BCDEFA"},  {"A", 99, "BCDEFA"}, {"D", 0, "DABCEF"},
+        {"D", -7, "DABCEF"}, {"B", 1, "ABCDEF"},  {"B", 2, "ABCDEF"},  {"", 2, "ABCDEF"},
+        {"BC", 5, "ADEBCF"}, {"DE", 1, "ADEBCF"}, {"BC", 1, "ABCDEF"}, {"BC", 2, "ABCDEF"},
+        {"BC", 3, "ABCDEF"}, {"AF", 6, "BCDEAF"}, {"AF", 0, "AFBCDE"}, {"ACF", 3, "BACFDE"},
     };
-    const Case kCases[] = {
-        {{0}, 2, "BACDEF", {{0, 1}}},
-        {{0}, 6, "BCDEFA", {{0, 1}}},
-        {{0}, 99, "BCDEFA", {{0, 1}}},
-        {{3}, 0, "DABCEF", {{3, 1}}},
-        {{3}, -7, "DABCEF", {{3, 1}}},
-        {{1}, 1, "ABCDEF", {}},
-        {{1}, 2, "ABCDEF", {}},
-        {{}, 2, "ABCDEF", {}},
-        {{1, 2}, 5, "ADEBCF", {{1, 2}}},
-        {{3, 4}, 1, "ADEBCF", {{3, 2}}},
-        {{1, 2}, 1, "ABCDEF", {}},
-        {{1, 2}, 2, "ABCDEF", {}},
-        {{1, 2}, 3, "ABCDEF", {}},
-        {{0, 2, 5}, 3, "BACFDE", {{0, 1}, {2, 1}, {5, 1}}},
-        {{0, 5}, 6, "BCDEAF", {{0, 1}, {5, 1}}},
-        {{0, 5}, 0, "AFBCDE", {{0, 1}, {5, 1}}},
-    };
-    for (const Case& c : kCases) {
+    for (const auto& [letters, gap, after] : kCases) {
         TrackList list = listOf("ABCDEF");
-        const TracksEdit edit = list.move(c.rows, c.gap);
-        EXPECT_EQ(lettersOf(list), c.after);
-        EXPECT_EQ(edit.ranges, c.ranges) << c.after;
-        EXPECT_EQ(bool(edit), !c.ranges.empty()) << c.after;
+        Rows rows;
+        for (const char letter : letters)
+            rows.push_back(letter - 'A');
+        const TracksEdit edit = list.move(rows, gap);
+        EXPECT_EQ(lettersOf(list), after);
+        EXPECT_EQ(edit.ranges, after == "ABCDEF" ? Ranges() : rangesOf(rows)) << after;
         for (qsizetype row = 0; row < list.size(); ++row)
-            EXPECT_EQ(list.rowOf(list.tracks().at(row).id), row) << c.after;
+            EXPECT_EQ(list.rowOf(list.tracks().at(row).id), row) << after;
     }
 }
 
 TEST(TrackList, insertsABlockAtALimitedRow) {
-    struct Case {
-        qsizetype row;
-        std::string after;
-        Ranges ranges;
+    const std::tuple<qsizetype, qsizetype, std::string> kCases[] = {
+        {0, 0, "XYABC"}, {2, 2, "ABXYC"}, {3, 3, "ABCXY"}, {-4, 0, "XYABC"}, {99, 3, "ABCXY"},
     };
-    const Case kCases[] = {
-        {0, "XYABC", {{0, 2}}},  {2, "ABXYC", {{2, 2}}},  {3, "ABCXY", {{3, 2}}},
-        {-4, "XYABC", {{0, 2}}}, {99, "ABCXY", {{3, 2}}},
-    };
-    for (const Case& c : kCases) {
+    for (const auto& [wanted, row, after] : kCases) {
         TrackList list = listOf("ABC");
-        EXPECT_EQ(list.insert(c.row, tracksOf("XY")),
-                  (TracksEdit{TracksEdit::Kind::Inserted, c.ranges}));
-        EXPECT_EQ(lettersOf(list), c.after);
-        EXPECT_EQ(list.rowOf(idOf('Y')), c.ranges.front().first + 1);
+        EXPECT_EQ(list.insert(wanted, tracksOf("XY")),
+                  (TracksEdit{TracksEdit::Kind::Inserted, {{row, 2}}}));
+        EXPECT_EQ(lettersOf(list), after);
+        EXPECT_EQ(list.rowOf(idOf('Y')), row + 1);
     }
     TrackList list = listOf("ABC");
     EXPECT_FALSE(list.insert(1, {}));
@@ -74,14 +52,8 @@ TEST(TrackList, insertsABlockAtALimitedRow) {
 }
 
 TEST(TrackList, undoingARemovalPutsTracksBackWhereTheyWere) {
-    struct Case {
-        Rows removed;
-        std::string left;
-        std::string meanwhileGone; ///< taken out between, without a history
-        std::string after;
-        Ranges back;
-    };
-    const Case kCases[] = {
+    // meanwhileGone: taken out between, without a history
+    const std::tuple<Rows, std::string, std::string, std::string, Ranges> kCases[] = {
         {{1, 3}, "ACE", "", "ABCDE", {{1, 1}, {3, 1}}},
         {{0, 1, 2, 3, 4}, "", "", "ABCDE", {{0, 5}}},
         {{0, 1, 4}, "CD", "", "ABCDE", {{0, 2}, {4, 1}}},
@@ -89,36 +61,32 @@ TEST(TrackList, undoingARemovalPutsTracksBackWhereTheyWere) {
         {{3, 4}, "ABC", "BC", "ADE", {{1, 2}}},
         {{1, 4}, "ACD", "CD", "ABE", {{1, 2}}},
     };
-    for (const Case& c : kCases) {
+    for (const auto& [removed, left, meanwhileGone, after, back] : kCases) {
         TrackList list = listOf("ABCDE");
         const Playlist shared = list.playlist();
         RemovalHistory history;
-        EXPECT_EQ(history.remove(list, c.removed).ranges, rangesOf(c.removed));
-        EXPECT_EQ(lettersOf(list), c.left);
+        EXPECT_EQ(history.remove(list, removed).ranges, rangesOf(removed));
+        EXPECT_EQ(lettersOf(list), left);
         EXPECT_EQ(lettersOf(shared.tracks), "ABCDE") << "a snapshot changes with the list";
-        for (const char letter : c.meanwhileGone) {
+        for (const char letter : meanwhileGone) {
             RemovedTracks gone;
             list.remove({*list.rowOf(idOf(letter))}, gone);
         }
         auto removal = history.takeNewest();
         ASSERT_TRUE(removal);
         EXPECT_EQ(removal->playlist, list.id());
-        EXPECT_EQ(list.restore(std::move(removal->removed)).ranges, c.back);
-        EXPECT_EQ(lettersOf(list), c.after);
-        EXPECT_EQ(list.contains(idOf('B')), c.after.find('B') != std::string::npos);
+        EXPECT_EQ(list.restore(std::move(removal->removed)).ranges, back);
+        EXPECT_EQ(lettersOf(list), after);
+        EXPECT_EQ(list.contains(idOf('B')), after.find('B') != std::string::npos);
         EXPECT_FALSE(history.takeNewest());
     }
 }
 
 TEST(TracksEdit, tellsWherePlaybackGoesOnWithoutThePlayingTrack) {
     using Kind = TracksEdit::Kind;
-    struct Case {
-        TracksEdit edit;
-        std::optional<qsizetype> playingRow;
-        std::optional<qsizetype> orphanNext;
-        std::optional<qsizetype> expected;
-    };
-    const Case kCases[] = {
+    // The edit, the playing row, where it would have gone on; where it goes on now.
+    using Row = std::optional<qsizetype>;
+    const std::tuple<TracksEdit, Row, Row, Row> kCases[] = {
         {{Kind::Removed, {{1, 1}, {3, 2}}}, 3, {}, 2},
         {{Kind::Removed, {{1, 1}, {3, 2}}}, 4, {}, 2},
         {{Kind::Removed, {{1, 1}, {3, 2}}}, 2, {}, {}},
@@ -132,9 +100,9 @@ TEST(TracksEdit, tellsWherePlaybackGoesOnWithoutThePlayingTrack) {
         {{Kind::Nothing}, {}, 4, 4},
         {{Kind::Nothing}, {}, {}, {}},
     };
-    for (const Case& c : kCases)
-        EXPECT_EQ(orphanNextAfter(c.edit, c.playingRow, c.orphanNext), c.expected)
-            << "case " << &c - kCases;
+    for (const auto& [edit, playing, orphanNext, expected] : kCases)
+        EXPECT_EQ(orphanNextAfter(edit, playing, orphanNext), expected)
+            << int(edit.kind) << ' ' << playing.value_or(-1) << ' ' << orphanNext.value_or(-1);
     Rows scattered;
     for (qsizetype row = 0; row < 64; row += 2)
         scattered.push_back(row);

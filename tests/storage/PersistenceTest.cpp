@@ -33,27 +33,22 @@ Persistence in(const TestFolder& folder, const char* name = kFile) {
 
 TEST(Persistence, keepsItsFileWhereTheDesktopKeepsItsData) {
     const TestFolder folder;
-    struct Case {
-        QByteArray dataHome;
-        QByteArray home;
-        QByteArray file;
-    };
-    const Case kCases[] = {
+    const std::tuple<QByteArray, QByteArray, QByteArray> kCases[] = {
         {folder.path("data"), folder.path("home"), folder.path("data/Quorel/quorel-data.json")},
         {"", folder.path("home"), folder.path("home/.local/share/Quorel/quorel-data.json")},
         {"not/absolute", folder.path("\xE9//"),
          folder.path("\xE9/.local/share/Quorel/quorel-data.json")},
     };
     const QByteArray before[] = {qgetenv("XDG_DATA_HOME"), qgetenv("HOME")};
-    for (const Case& c : kCases) {
-        qputenv("XDG_DATA_HOME", c.dataHome);
-        qputenv("HOME", c.home);
-        EXPECT_EQ(pathToBytes(Persistence::dataURL()), c.file);
-        EXPECT_EQ(permissions(folderOf(c.file)), 0700);
+    for (const auto& [dataHome, home, file] : kCases) {
+        qputenv("XDG_DATA_HOME", dataHome);
+        qputenv("HOME", home);
+        EXPECT_EQ(pathToBytes(Persistence::dataURL()), file);
+        EXPECT_EQ(permissions(folderOf(file)), 0700);
         EXPECT_EQ(Persistence().load(), std::nullopt);
         EXPECT_TRUE(Persistence().save(stateOfVersion(1, 1)));
         EXPECT_EQ(versionOf(Persistence().load()), 1);
-        EXPECT_EQ(permissions(c.file), 0600);
+        EXPECT_EQ(permissions(file), 0600);
     }
     qputenv("XDG_DATA_HOME", before[0]);
     qputenv("HOME", before[1]);
@@ -105,22 +100,17 @@ TEST(Persistence, setsAsideNothingElse) {
 }
 
 TEST(Persistence, leavesASymbolicLinkALink) {
-    struct Case {
-        const char* link;
-        const char* target;
-        const char* file;
-    };
-    const Case kCases[] = {{"a", "elsewhere/x.json", "elsewhere/x.json"},
-                           {"b", "c", "elsewhere/new.json"}};
+    const std::tuple<const char*, const char*, const char*> kCases[] = {
+        {"a", "elsewhere/x.json", "elsewhere/x.json"}, {"b", "c", "elsewhere/new.json"}};
     const TestFolder folder;
     folder.write("elsewhere/x.json", "old");
     folder.link("c", folder.path("elsewhere/new.json"));
-    for (const Case& c : kCases) {
-        folder.link(c.link, c.target);
-        ASSERT_TRUE(in(folder, c.link).save(stateOfVersion(3, 1)));
-        EXPECT_EQ(versionOf(in(folder, c.file).load()), 3);
-        EXPECT_EQ(versionOf(in(folder, c.link).load()), 3);
-        EXPECT_TRUE(std::filesystem::is_symlink(folder.path(c.link).toStdString()));
+    for (const auto& [link, target, file] : kCases) {
+        folder.link(link, target);
+        ASSERT_TRUE(in(folder, link).save(stateOfVersion(3, 1)));
+        EXPECT_EQ(versionOf(in(folder, file).load()), 3);
+        EXPECT_EQ(versionOf(in(folder, link).load()), 3);
+        EXPECT_TRUE(std::filesystem::is_symlink(folder.path(link).toStdString()));
     }
     EXPECT_THAT(folder.names("elsewhere"), UnorderedElementsAre("x.json", "new.json"));
     folder.link("circle", "circle");

@@ -7,7 +7,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -15,24 +14,6 @@
 namespace quorel::test {
 
 namespace fs = std::filesystem;
-
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (fs::temp_directory_path() / "quorel-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
-        throw fs::filesystem_error("mkdtemp", std::error_code(errno, std::generic_category()));
-    }
-    folder_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-}
-
-std::string TemporaryFolder::write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-    return path(name);
-}
 
 std::string readFile(const std::string& path) {
     std::ostringstream bytes;
@@ -58,9 +39,8 @@ TestSound::TestSound(int64_t frames, int channelCount, int bitsPerSample)
 std::vector<float> TestSound::asFloat() const {
     std::vector<float> floats;
     floats.reserve(samples.size());
-    for (const int32_t sample : samples) {
+    for (const int32_t sample : samples)
         floats.push_back(static_cast<float>(std::ldexp(static_cast<double>(sample), 1 - bits)));
-    }
     return floats;
 }
 
@@ -77,6 +57,10 @@ class ByteWriter {
             bytes += static_cast<char>(value >> shift & 0xFF);
         }
     }
+    void numbers(std::initializer_list<std::pair<int64_t, int>> valuesAndBytes) {
+        for (const auto& [value, count] : valuesAndBytes)
+            number(static_cast<uint64_t>(value), count);
+    }
 
     std::string bytes;
 
@@ -88,9 +72,7 @@ std::string storedSamples(const TestSound& sound, int tag, int containerBytes, b
     ByteWriter writer(bigEndian);
     for (const int32_t sample : sound.samples) {
         const double real = std::ldexp(static_cast<double>(sample), 1 - sound.bits);
-        if (tag == 3 && containerBytes == 8) {
-            writer.number(std::bit_cast<uint64_t>(real), 8);
-        } else if (tag == 3) {
+        if (tag == 3) {
             writer.number(std::bit_cast<uint32_t>(static_cast<float>(real)), 4);
         } else {
             const uint32_t upper = static_cast<uint32_t>(sample) << (32 - sound.bits);
@@ -102,23 +84,17 @@ std::string storedSamples(const TestSound& sound, int tag, int containerBytes, b
 }
 
 std::string formatContent(const TestSound& sound, const WavRecipe& recipe, int containerBytes) {
-    const auto channels = static_cast<uint64_t>(sound.channels);
-    const auto bytes = static_cast<uint64_t>(containerBytes);
-    const auto rate = static_cast<uint64_t>(recipe.sampleRate);
-    const auto tag = static_cast<uint64_t>(recipe.tag);
-    const auto bits = static_cast<uint64_t>(sound.bits);
+    const int frameBytes = sound.channels * containerBytes;
+    const bool isFull = recipe.mask || recipe.tag == 3; // all bits of the container are stated
     ByteWriter writer(recipe.form == "RIFX");
-    writer.number(recipe.mask ? 0xFFFE : tag, 2);
-    writer.number(channels, 2);
-    writer.number(rate, 4);
-    writer.number(rate * channels * bytes, 4);
-    writer.number(channels * bytes, 2);
-    writer.number(recipe.mask || recipe.tag == 3 ? 8 * bytes : bits, 2);
+    writer.numbers({{recipe.mask ? 0xFFFE : recipe.tag, 2},
+                    {sound.channels, 2},
+                    {recipe.sampleRate, 4},
+                    {recipe.sampleRate * frameBytes, 4},
+                    {frameBytes, 2},
+                    {isFull ? 8 * containerBytes : sound.bits, 2}});
     if (recipe.mask) {
-        writer.number(22, 2);
-        writer.number(bits, 2);
-        writer.number(*recipe.mask, 4);
-        writer.number(tag, 2);
+        writer.numbers({{22, 2}, {sound.bits, 2}, {*recipe.mask, 4}, {recipe.tag, 2}});
         writer.bytes += std::string("\0\0\0\0\x10\0\x80\0\0\xAA\0\x38\x9B\x71", 14);
     }
     return writer.bytes;
@@ -144,11 +120,8 @@ std::string wavBytes(const TestSound& sound, const WavRecipe& recipe) {
     body.bytes = "WAVE";
     if (sizesApart) {
         body.bytes += "ds64";
-        body.number(28, 4);
-        body.number(0, 8);
-        body.number(data.size(), 8);
-        body.number(sound.samples.size() / static_cast<std::size_t>(sound.channels), 8);
-        body.number(0, 4);
+        const int64_t frames = std::ssize(sound.samples) / sound.channels;
+        body.numbers({{28, 4}, {0, 8}, {std::ssize(data), 8}, {frames, 8}, {0, 4}});
     }
     body.bytes += "fmt ";
     body.number(format.size(), 4);
@@ -165,11 +138,9 @@ std::string wavBytes(const TestSound& sound, const WavRecipe& recipe) {
 bool hasTool(const std::string& name) {
     const char* folders = std::getenv("PATH");
     std::istringstream path(folders != nullptr ? folders : "");
-    for (std::string folder; std::getline(path, folder, ':');) {
-        if (::access((fs::path(folder) / name).c_str(), X_OK) == 0) {
+    for (std::string folder; std::getline(path, folder, ':');)
+        if (::access((fs::path(folder) / name).c_str(), X_OK) == 0)
             return true;
-        }
-    }
     return false;
 }
 
@@ -187,9 +158,8 @@ std::vector<float> readAll(AudioFile& file, int64_t limit) {
         const int64_t got = file.read(some.data(), wanted);
         all.insert(all.end(), some.begin(), some.begin() + got * file.channels());
         limit -= got;
-        if (got < wanted) {
+        if (got < wanted)
             break;
-        }
     }
     return all;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "audio/decode/AudioFile.h"
+#include "support/TestFolder.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,20 +17,21 @@ inline constexpr int kPatience = 10;
 inline constexpr int kPatience = 1;
 #endif
 
-/// A folder of its own that goes with the object.
+/// A folder of its own that goes with the object, for files named and written as standard strings.
 class TemporaryFolder {
   public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string path(const std::string& name) const {
+        return folder_.path(QByteArray::fromStdString(name)).toStdString();
+    }
     /// Writes a file there and returns its path.
-    std::string write(const std::string& name, const std::string& bytes) const;
+    std::string write(const std::string& name, const std::string& bytes) const {
+        return folder_.write(QByteArray::fromStdString(name), QByteArray::fromStdString(bytes))
+            .toStdString();
+    }
+    std::vector<std::string> names(const char* below = "") const { return folder_.names(below); }
 
   private:
-    std::filesystem::path folder_;
+    TestFolder folder_;
 };
 
 std::string readFile(const std::string& path);
@@ -52,12 +53,11 @@ struct WavRecipe {
     std::string form = "RIFF"; ///< or RIFX (big-endian), RF64 (sizes in a ds64 chunk)
     int tag = 1;               ///< 1 integers, 3 floats, others as a lie
     int sampleRate = 44100;
-    int containerBytes = 0;            ///< bytes of a sample; 0: as many as the bits need
-    std::optional<uint32_t> mask = {}; ///< makes the format chunk an extensible one
-    std::optional<uint32_t> dataSize =
-        {};                  ///< stated in place of the right one; the file's size likewise
-    std::string before = {}; ///< chunks between format and data
-    std::string after = {};  ///< chunks behind the data
+    int containerBytes = 0;                ///< bytes of a sample; 0: as many as the bits need
+    std::optional<uint32_t> mask = {};     ///< makes the format chunk an extensible one
+    std::optional<uint32_t> dataSize = {}; ///< stated for the right one, and as the file's size
+    std::string before = {};               ///< chunks between format and data
+    std::string after = {};                ///< chunks behind the data
 };
 
 std::string wavBytes(const TestSound& sound, const WavRecipe& recipe = {});

@@ -46,11 +46,9 @@ MatrixFile parsed(const std::string& line, const std::string& folder) {
 std::vector<MatrixFile> matrixFiles(const std::string& folder, const std::string& prefix) {
     std::vector<MatrixFile> files;
     std::ifstream manifest(folder + "/manifest.tsv");
-    for (std::string line; std::getline(manifest, line);) {
-        if (line.starts_with(prefix)) {
+    for (std::string line; std::getline(manifest, line);)
+        if (line.starts_with(prefix))
             files.push_back(parsed(line, folder));
-        }
-    }
     return files;
 }
 

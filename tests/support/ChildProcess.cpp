@@ -17,9 +17,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     words.insert(words.end(), command.begin(), command.end());
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
-    for (std::string& word : words) {
+    for (std::string& word : words)
         arguments.push_back(word.data());
-    }
     arguments.push_back(nullptr);
 
     posix_spawn_file_actions_t actions;
@@ -30,9 +29,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const std::s
     const int error =
         posix_spawnp(&pid_, arguments[0], &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
+    if (error != 0)
         throw std::runtime_error("cannot start " + command[0]);
-    }
 }
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
@@ -44,16 +42,14 @@ ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept {
 }
 
 void ChildProcess::signal(int number) const {
-    if (pid_ > 0) {
+    if (pid_ > 0)
         kill(pid_, number);
-    }
 }
 
 int ChildProcess::wait() {
     int status = -1;
-    if (pid_ > 0) {
+    if (pid_ > 0)
         waitpid(std::exchange(pid_, 0), &status, 0);
-    }
     return status >= 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

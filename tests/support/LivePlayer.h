@@ -36,9 +36,8 @@ class LivePlayer {
         const auto end = Steady::now() + longest;
         while (!condition()) {
             const auto turn = Steady::now();
-            if (turn > end) {
+            if (turn > end)
                 return false;
-            }
             const auto waited = waitedForProcessor();
             QCoreApplication::processEvents();
             longestTurn = std::max<std::chrono::nanoseconds>(

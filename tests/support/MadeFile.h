@@ -65,9 +65,8 @@ inline Samples music(int64_t frames) {
     std::mt19937 random(7);
     std::uniform_real_distribution<float> noise(-0.1F, 0.1F);
     Samples samples = tone(frames, 997, 44100, 0.4);
-    for (float& sample : samples) {
+    for (float& sample : samples)
         sample += noise(random);
-    }
     return samples;
 }
 

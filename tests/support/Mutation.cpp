@@ -1,22 +1,21 @@
 #include "support/Mutation.h"
 
+#include "support/AudioFixtures.h"
+
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <random>
 
 namespace quorel::test {
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+namespace {
 
-int64_t peakMemory() {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return int64_t{usage.ru_maxrss} * 1024;
-}
+namespace fs = std::filesystem;
 
+/// One to seven changes, most of them where the headers are, or the end cut off.
 std::string mutated(std::string bytes, std::minstd_rand& random) {
     const auto below = [&](std::size_t limit) {
         return random() % std::max<std::size_t>(1, limit);
@@ -48,9 +47,55 @@ std::string mutated(std::string bytes, std::minstd_rand& random) {
     return bytes;
 }
 
-int mutationCount() {
-    const char* wanted = std::getenv("QUOREL_MUTATIONS");
-    return wanted != nullptr ? std::atoi(wanted) : 300;
+} // namespace
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+int64_t peakMemory() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return int64_t{usage.ru_maxrss} * 1024;
+}
+
+void readMutations(const std::vector<std::string>& seeds, double longest,
+                   const std::function<bool(const std::string& path)>& read) {
+    const char* const wanted = std::getenv("QUOREL_MUTATIONS");
+    const int count = wanted != nullptr ? std::atoi(wanted) : 300;
+    ASSERT_GT(count, 0);
+    const TemporaryFolder folder;
+    std::minstd_rand random(23);
+    const int64_t before = peakMemory();
+    int readable = 0;
+    for (int i = 0; i < count && !testing::Test::HasFatalFailure(); ++i) {
+        const std::string& seed = seeds[random() % seeds.size()];
+        const std::string path = folder.write("mutated", mutated(readFile(seed), random));
+        const auto start = std::chrono::steady_clock::now();
+        readable += read(path) ? 1 : 0;
+        if (const double taken = secondsSince(start); taken > longest) {
+            const std::string kept = fs::temp_directory_path() / "quorel-slow-mutation";
+            fs::copy_file(path, kept, fs::copy_options::overwrite_existing);
+            FAIL() << "mutation " << i << " of " << seed << " took " << taken << " s: " << kept;
+        }
+    }
+    EXPECT_GT(readable, count / 4);
+#ifndef QUOREL_SANITIZED
+    EXPECT_LT(peakMemory() - before, 64 << 20);
+#else
+    static_cast<void>(before);
+#endif
+}
+
+std::vector<std::string> corpusFiles() {
+    std::vector<std::string> files;
+    const fs::path corpus = fs::path(QUOREL_SOURCE_DIR) / ".." / "shared" / "corpus";
+    if (fs::exists(corpus)) {
+        for (const auto& entry : fs::recursive_directory_iterator(corpus))
+            if (entry.is_regular_file())
+                files.push_back(entry.path().string());
+    }
+    return files;
 }
 
 } // namespace quorel::test

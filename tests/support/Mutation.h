@@ -2,8 +2,9 @@
 
 #include <chrono>
 #include <cstdint>
-#include <random>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace quorel::test {
 
@@ -12,10 +13,13 @@ double secondsSince(std::chrono::steady_clock::time_point start);
 /// The most memory that the process has ever had, in bytes.
 int64_t peakMemory();
 
-/// One to seven changes, most of them where the headers are, or the end cut off.
-std::string mutated(std::string bytes, std::minstd_rand& random);
+/// Gives damaged copies of these files to `read`, one by one: 300, or as many as the environment
+/// variable QUOREL_MUTATIONS says. Fails, and keeps the copy, where one takes longer than so many
+/// seconds; fails where a quarter or less could be read, or all took much memory.
+void readMutations(const std::vector<std::string>& seeds, double longest,
+                   const std::function<bool(const std::string& path)>& read);
 
-/// How many files a test is to try: what the environment variable QUOREL_MUTATIONS says, else 300.
-int mutationCount();
+/// The files of the corpus of audio files beside the project; none where there is no such.
+std::vector<std::string> corpusFiles();
 
 } // namespace quorel::test

@@ -22,15 +22,13 @@ int RealtimeGuard::offences() {
     return counted;
 }
 
+bool RealtimeGuard::isActive() {
 #ifdef QUOREL_SANITIZED
-bool RealtimeGuard::isActive() {
     return false;
-}
 #else
-bool RealtimeGuard::isActive() {
     return true;
-}
 #endif
+}
 
 } // namespace quorel::test
 
@@ -39,9 +37,8 @@ bool RealtimeGuard::isActive() {
 // over those of shared libraries, so libraries' calls are counted too.
 namespace {
 void note() {
-    if (guards > 0) {
+    if (guards > 0)
         ++counted;
-    }
 }
 } // namespace
 

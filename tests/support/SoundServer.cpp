@@ -1,16 +1,16 @@
 #include "support/SoundServer.h"
 
+#include "support/AudioFixtures.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
@@ -24,149 +24,104 @@ namespace {
 
 constexpr const char* kSurround = "front-left,front-right,front-center,lfe,rear-left,rear-right";
 
-bool isInstalled(const std::string& program) {
-    const char* path = std::getenv("PATH");
-    std::istringstream directories(path ? path : "/usr/bin");
-    for (std::string directory; std::getline(directories, directory, ':');) {
-        if (access((fs::path(directory) / program).c_str(), X_OK) == 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-std::string contentsOf(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 void waitFor(const std::string& what, const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + 20s;
     while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) {
+        if (std::chrono::steady_clock::now() > end)
             throw std::runtime_error("waited in vain for " + what);
-        }
         std::this_thread::sleep_for(10ms);
     }
-}
-
-// Where no systemd runs, WirePlumber would end over its watch of seats, which only Bluetooth needs.
-void doWithoutSeats(const std::string& config) {
-    fs::create_directories(config + "/wireplumber/bluetooth.lua.d");
-    std::ofstream(config + "/wireplumber/bluetooth.lua.d/60-no-seats.lua")
-        << "bluez_monitor.properties[\"with-logind\"] = false\n";
 }
 
 } // namespace
 
 SoundServer::SoundServer(Kind kind)
     : kind_(kind) {
-    std::string pattern = (fs::temp_directory_path() / "quorel-sound-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) {
-        throw std::runtime_error("cannot make a temporary directory");
-    }
-    directory_ = pattern;
-    const std::string home = directory_ + "/home";
-    fs::create_directory(home);
-    doWithoutSeats(home);
-    const char* socket = kind == Kind::PulseAudio ? "/native" : "/pulse/native";
+    const std::string home = folder_.path("home");
+    // Where no systemd runs, WirePlumber would end over its watch of seats, which only Bluetooth
+    // needs.
+    fs::create_directories(home + "/wireplumber/bluetooth.lua.d");
+    folder_.write("home/wireplumber/bluetooth.lua.d/60-no-seats.lua",
+                  "bluez_monitor.properties[\"with-logind\"] = false\n");
+    const std::string socket = folder_.path(kind == Kind::PulseAudio ? "native" : "pulse/native");
     const std::map<const char*, std::string> environment{
         {"HOME", home},
         {"XDG_CONFIG_HOME", home},
         {"XDG_STATE_HOME", home},
-        {"XDG_RUNTIME_DIR", directory_},
-        {"PIPEWIRE_RUNTIME_DIR", directory_},
-        {"PULSE_RUNTIME_PATH", directory_ + "/pulse"},
+        {"XDG_RUNTIME_DIR", folder_.path("")},
+        {"PIPEWIRE_RUNTIME_DIR", folder_.path("")},
+        {"PULSE_RUNTIME_PATH", folder_.path("pulse")},
         {"PULSE_STATE_PATH", home},
-        {"PULSE_COOKIE", directory_ + "/cookie"},
-        {"PULSE_SERVER", "unix:" + directory_ + socket},
-        {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + directory_ + "/bus"}};
-    for (const auto& [name, value] : environment) {
+        {"PULSE_COOKIE", folder_.path("cookie")},
+        {"PULSE_SERVER", "unix:" + socket},
+        {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder_.path("bus")}};
+    for (const auto& [name, value] : environment)
         setenv(name, value.c_str(), 1);
-    }
     unsetenv("DISPLAY");
     unsetenv("PULSE_SINK");
 }
 
 SoundServer::~SoundServer() {
     kill();
-    std::error_code ignored;
-    fs::remove_all(directory_, ignored);
 }
 
 std::string SoundServer::missingProgram(Kind kind) {
     std::vector<std::string> needed{"setpriv", "pactl", "parec"};
-    if (kind == Kind::PulseAudio) {
+    if (kind == Kind::PulseAudio)
         needed.emplace_back("pulseaudio");
-    } else {
+    else
         needed.insert(needed.end(), {"dbus-daemon", "pipewire", "wireplumber", "pipewire-pulse"});
-    }
-    const auto missing = std::ranges::find_if_not(needed, isInstalled);
+    const auto missing = std::ranges::find_if_not(needed, hasTool);
     return missing == needed.end() ? std::string() : *missing;
 }
 
 void SoundServer::start() {
-    const auto exists = [this](const char* name) { return fs::exists(directory_ + name); };
-    for (const char* stale : {"/bus", "/pipewire-0", "/native", "/pulse/native"}) {
-        fs::remove(directory_ + stale);
-    }
+    const auto exists = [this](const char* name) { return fs::exists(folder_.path(name)); };
+    for (const char* stale : {"bus", "pipewire-0", "native", "pulse/native"})
+        fs::remove(folder_.path(stale));
     if (kind_ == Kind::PulseAudio) {
         launch({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no",
                 "--realtime=no", "--high-priority=no", "--disable-shm=yes", "--log-level=error",
                 "--log-target=stderr", "-L",
-                "module-native-protocol-unix auth-anonymous=1 socket=" + directory_ + "/native"});
+                "module-native-protocol-unix auth-anonymous=1 socket=" + folder_.path("native")});
     } else {
         launch({"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                "--address=unix:path=" + directory_ + "/bus"});
-        waitFor("the message bus", [&] { return exists("/bus"); });
+                "--address=unix:path=" + folder_.path("bus")});
+        waitFor("the message bus", [&] { return exists("bus"); });
         launch({"pipewire"});
-        waitFor("PipeWire", [&] { return exists("/pipewire-0"); });
+        waitFor("PipeWire", [&] { return exists("pipewire-0"); });
         launch({"wireplumber"});
         launch({"pipewire-pulse"});
     }
     waitFor("the sound server", [this] { return !pactl({"info"}).empty(); });
-    for (auto& [name, sink] : sinks_) {
+    for (auto& [name, sink] : sinks_)
         load(name, sink);
-    }
 }
 
 void SoundServer::kill() {
     // The last one started is the one that clients are connected to.
-    while (!processes_.empty()) {
+    while (!processes_.empty())
         processes_.pop_back();
-    }
 }
 
-void SoundServer::freeze() {
-    for (const ChildProcess& process : processes_) {
-        process.signal(SIGSTOP);
-    }
-}
-
-void SoundServer::thaw() {
-    for (const ChildProcess& process : processes_) {
-        process.signal(SIGCONT);
-    }
+void SoundServer::signal(int number) const {
+    for (const ChildProcess& process : processes_)
+        process.signal(number);
 }
 
 void SoundServer::addSink(const std::string& name, int rate, int channels) {
     Sink& sink = sinks_[name] = {rate, channels, {}};
-    if (!processes_.empty()) {
+    if (!processes_.empty())
         load(name, sink);
-    }
 }
 
 void SoundServer::load(const std::string& name, Sink& sink) {
-    std::vector<std::string> words{"module-null-sink",
-                                   "sink_name=" + name,
-                                   "rate=" + std::to_string(sink.rate),
-                                   "channels=" + std::to_string(sink.channels),
-                                   "format=float32le",
+    std::vector<std::string> words{"module-null-sink", "sink_name=" + name, "format=float32le",
                                    "sink_properties=device.description=The-" + name};
-    if (sink.channels == 6) {
+    words.push_back("rate=" + std::to_string(sink.rate));
+    words.push_back("channels=" + std::to_string(sink.channels));
+    if (sink.channels == 6)
         words.push_back(std::string("channel_map=") + kSurround);
-    }
     if (kind_ == Kind::PulseAudio) {
         // Without it a null sink renders 2 s at a time, which no device does.
         words.emplace_back("norewinds=1");
@@ -213,38 +168,31 @@ std::vector<std::string> SoundServer::sinkNames() const {
 }
 
 void SoundServer::launch(const std::vector<std::string>& command) {
-    processes_.emplace_back(command, directory_ + "/" + command[0] + ".log");
+    processes_.emplace_back(command, folder_.path(command[0] + ".log"));
 }
 
 std::string SoundServer::pactl(const std::vector<std::string>& arguments) const {
-    const std::string answer = directory_ + "/answer";
+    const std::string answer = folder_.path("answer");
     const int output = open(answer.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     std::vector<std::string> command{"pactl"};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    const int status = ChildProcess(command, directory_ + "/pactl.log", output).wait();
+    const int status = ChildProcess(command, folder_.path("pactl.log"), output).wait();
     close(output);
-    std::string text = contentsOf(answer);
-    while (!text.empty() && text.back() == '\n') {
+    std::string text = readFile(answer);
+    while (!text.empty() && text.back() == '\n')
         text.pop_back();
-    }
     return status == 0 ? text : std::string();
 }
 
 Recorder::Recorder(const std::string& sink, int rate, int channels) {
-    if (pipe2(pipe_, O_CLOEXEC) != 0) {
+    if (pipe2(pipe_, O_CLOEXEC) != 0)
         throw std::runtime_error("cannot make a pipe");
-    }
-    std::vector<std::string> command{"parec",
-                                     "-d",
-                                     sink + ".monitor",
-                                     "--format=float32le",
-                                     "--raw",
-                                     "--rate=" + std::to_string(rate),
-                                     "--channels=" + std::to_string(channels),
-                                     "--latency-msec=20"};
-    if (channels == 6) {
+    std::vector<std::string> command{
+        "parec", "-d", sink + ".monitor", "--format=float32le", "--raw", "--latency-msec=20"};
+    command.push_back("--rate=" + std::to_string(rate));
+    command.push_back("--channels=" + std::to_string(channels));
+    if (channels == 6)
         command.push_back(std::string("--channel-map=") + kSurround);
-    }
     process_ = ChildProcess(command, "/dev/null", pipe_[1]);
     close(pipe_[1]);
     reader_ = std::thread([this] { read(); });
@@ -272,9 +220,8 @@ void Recorder::read() {
     std::size_t held = 0;
     while (true) {
         const ssize_t count = ::read(pipe_[0], buffer.data() + held, buffer.size() - held);
-        if (count <= 0) {
+        if (count <= 0)
             return;
-        }
         held += static_cast<std::size_t>(count);
         const std::size_t whole = held / sizeof(float);
         const std::lock_guard lock(mutex_);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "support/AudioFixtures.h"
 #include "support/ChildProcess.h"
 
+#include <csignal>
 #include <map>
 #include <mutex>
 #include <string>
@@ -26,8 +28,8 @@ class SoundServer {
 
     void start(); ///< returns when the server answers and has the sinks added so far
     void kill();  ///< with all its processes, without warning
-    void freeze();
-    void thaw();
+    void freeze() { signal(SIGSTOP); }
+    void thaw() { signal(SIGCONT); }
 
     void addSink(const std::string& name, int rate = 48000, int channels = 2);
     void removeSink(const std::string& name);
@@ -47,11 +49,12 @@ class SoundServer {
     };
 
     void launch(const std::vector<std::string>& command);
+    void signal(int number) const;
     std::string pactl(const std::vector<std::string>& arguments) const;
     void load(const std::string& name, Sink& sink);
 
     const Kind kind_;
-    std::string directory_;
+    TemporaryFolder folder_;
     std::vector<ChildProcess> processes_;
     std::map<std::string, Sink> sinks_;
 };

@@ -13,16 +13,14 @@ namespace quorel::test {
 class SoundServerTest : public testing::TestWithParam<SoundServer::Kind> {
   protected:
     void SetUp() override {
-        if (const auto missing = SoundServer::missingProgram(GetParam()); !missing.empty()) {
+        if (const auto missing = SoundServer::missingProgram(GetParam()); !missing.empty())
             GTEST_SKIP() << missing << " is not installed";
-        }
         server.emplace(GetParam());
     }
     /// Starts the server with these sinks; the first one is the default.
     void startServer(std::initializer_list<std::string> sinks) {
-        for (const std::string& sink : sinks) {
+        for (const std::string& sink : sinks)
             server->addSink(sink);
-        }
         server->start();
         server->setDefault(*sinks.begin());
     }

@@ -7,36 +7,28 @@
 using namespace quorel;
 
 TEST(Release, newerIsDecidedByTheFirstComponentThatDiffers) {
-    struct Case {
-        QStringView newer;
-        QStringView older;
+    using Pair = std::pair<QStringView, QStringView>;
+    // Among them a digit that is no decimal one of a version.
+    const Pair kNewer[] = {
+        {u"1.10", u"1.9"},     {u"2", u"1.9.9"},
+        {u"1.2.0.1", u"1.2"},  {u"0.0.1", u"0"},
+        {u"1.2.1", u"1.2-rc"}, {u"2.1", u"2-beta.9"},
+        {u"1..3", u"1.2"},     {u"1", u""},
+        {u"1.010", u"1.9"},    {u"1.1", u"1.+5"},
+        {u"1.1", u"1. 5"},     {u"1", u"-1"},
+        {u"1.1", u"1.\u0665"}, {u"18446744073709551617", u"2"},
     };
-    const Case kNewer[] = {
-        {u"1.10", u"1.9"},
-        {u"2", u"1.9.9"},
-        {u"1.2.0.1", u"1.2"},
-        {u"0.0.1", u"0"},
-        {u"1.2.1", u"1.2-rc"},
-        {u"2.1", u"2-beta.9"},
-        {u"1..3", u"1.2"},
-        {u"1", u""},
-        {u"1.010", u"1.9"},
-        {u"1.1", u"1.+5"},
-        {u"1.1", u"1. 5"},
-        {u"1", u"-1"},
-        {u"1.1", u"1.\u0665"}, // a digit, but no decimal one of a version
-        {u"18446744073709551617", u"2"},
-    };
-    for (const Case& c : kNewer) {
-        EXPECT_TRUE(isNewer(c.newer, c.older)) << c.newer.toUtf8().data();
-        EXPECT_FALSE(isNewer(c.older, c.newer)) << c.newer.toUtf8().data();
+    for (const auto& [newer, older] : kNewer) {
+        EXPECT_TRUE(isNewer(newer, older)) << newer.toUtf8().data();
+        EXPECT_FALSE(isNewer(older, newer)) << newer.toUtf8().data();
     }
-    const Case kEqual[] = {{u"1.2", u"1.2.0"}, {u"1..2", u".1.2."},  {u"1.02", u"1.2"},
-                           {u"", u"0.0"},      {u"2-beta", u"beta"}, {u"1.-1", u"1"}};
-    for (const Case& c : kEqual) {
-        EXPECT_FALSE(isNewer(c.newer, c.older)) << c.newer.toUtf8().data();
-        EXPECT_FALSE(isNewer(c.older, c.newer)) << c.newer.toUtf8().data();
-    }
+    for (const auto& [one, other] : {Pair{u"1.2", u"1.2.0"},
+                                     {u"1..2", u".1.2."},
+                                     {u"1.02", u"1.2"},
+                                     {u"", u"0.0"},
+                                     {u"2-beta", u"beta"},
+                                     {u"1.-1", u"1"}})
+        EXPECT_FALSE(isNewer(one, other) || isNewer(other, one)) << one.toUtf8().data();
 }
 
 TEST(Release, isDecodedStrictly) {
@@ -44,11 +36,7 @@ TEST(Release, isDecodedStrictly) {
     Release noted = plain;
     noted.notes = QStringLiteral("Ö\n");
     const Release empty{QString(), QString(), QString()};
-    struct Case {
-        const char* feed;
-        std::optional<Release> release;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, std::optional<Release>> kCases[] = {
         {R"({"version":"1.5","url":"u"})", plain},
         {R"( {"url":"u","version":"1.5","notes":null,"more":[{}]} )", plain},
         {R"({"version":"1.5","url":"u","notes":"Ö\n"})", noted},
@@ -63,18 +51,12 @@ TEST(Release, isDecodedStrictly) {
         {"{\"version\":\"1.5\",\"url\":\"\xFF\"}", {}},
         {"", {}},
     };
-    for (const Case& c : kCases) {
-        EXPECT_EQ(releaseFromFeed(c.feed), c.release) << c.feed;
-    }
+    for (const auto& [feed, release] : kCases)
+        EXPECT_EQ(releaseFromFeed(feed), release) << feed;
 }
 
 TEST(ProductAddresses, whatIsNoAddressIsEmpty) {
-    struct Case {
-        QUrl (*make)(const QString& text);
-        const char* text;
-        const char* address;
-    };
-    const Case kCases[] = {
+    const std::tuple<QUrl (*)(const QString&), const char*, const char*> kCases[] = {
         {feedOn, "quorel.invalid", "https://quorel.invalid/appcast.json"},
         {feedOn, "127.0.0.1:8443", "https://127.0.0.1:8443/appcast.json"},
         {feedOn, "", ""},
@@ -93,7 +75,6 @@ TEST(ProductAddresses, whatIsNoAddressIsEmpty) {
         {mailTo, "@quorel.invalid", ""},
         {mailTo, "help@", ""},
     };
-    for (const Case& c : kCases) {
-        EXPECT_EQ(c.make(QString::fromUtf8(c.text)).toEncoded(), c.address) << c.text;
-    }
+    for (const auto& [make, text, address] : kCases)
+        EXPECT_EQ(make(QString::fromUtf8(text)).toEncoded(), address) << text;
 }

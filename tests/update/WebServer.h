@@ -35,9 +35,8 @@ inline QSslConfiguration makeIdentity(const TestFolder& folder, const QByteArray
 /// What a client needs that is to trust these servers and no others.
 inline QSslConfiguration trustIn(const QList<QSslConfiguration>& identities) {
     QList<QSslCertificate> certificates;
-    for (const auto& identity : identities) {
+    for (const auto& identity : identities)
         certificates += identity.localCertificateChain();
-    }
     auto tls = QSslConfiguration::defaultConfiguration();
     tls.setCaCertificates(certificates);
     return tls;
@@ -95,9 +94,8 @@ class WebServer {
                     requests.push_back(std::exchange(head, {}));
                     const auto& sent = answers[requests.back().split(' ').at(1)];
                     socket->write(sent);
-                    if (sent.contains("\r\nConnection: close\r\n")) {
+                    if (sent.contains("\r\nConnection: close\r\n"))
                         socket->disconnectFromHost();
-                    }
                 }
             };
             newest_ = socket;

@@ -1,7 +1,8 @@
 #include "audio/decode/ChannelMapper.h"
 #include "audio/decode/RateConverter.h"
+#include "support/Spectrum.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
@@ -35,9 +36,8 @@ std::vector<float> convert(RateConverter& converter, const std::vector<float>& i
         out.insert(out.end(), portion.begin(), portion.begin() + 2 * produced);
         at += consumed;
     }
-    while (const int64_t produced = converter.drain(portion.data(), 777)) {
+    while (const int64_t produced = converter.drain(portion.data(), 777))
         out.insert(out.end(), portion.begin(), portion.begin() + 2 * produced);
-    }
     return out;
 }
 
@@ -65,9 +65,8 @@ TEST_P(RateConverterTest, KeepsLengthPlaceAndPassband) {
             stereoSine(hertz, outRate, static_cast<int64_t>(out.size() / 2));
         double worst = 0;
         const auto edge = out.size() / 20; // where the sine starts and stops
-        for (std::size_t i = edge; i + edge < out.size(); ++i) {
+        for (std::size_t i = edge; i + edge < out.size(); ++i)
             worst = std::max(worst, std::abs(double{out[i]} - double{ideal[i]}));
-        }
         EXPECT_LT(worst, tolerance) << hertz;
     }
 }
@@ -93,6 +92,52 @@ TEST(RateConverterStream, PassesEqualRatesUntouched) {
     EXPECT_TRUE(convert(converter, sine) == sine);
 }
 
+/// The left side of the middle one of three seconds of a tone, converted. Tones of whole hertz fill
+/// it with whole periods at either rate.
+std::vector<float> convertedTone(double hertz, int inRate, int outRate) {
+    RateConverter converter(2, inRate, outRate);
+    const std::vector<float> both = convert(converter, stereoSine(hertz, inRate, 3 * inRate));
+    std::vector<float> left;
+    for (auto i = static_cast<std::size_t>(2 * outRate); left.size() < both.size() / 6; i += 2)
+        left.push_back(both[i]);
+    return left;
+}
+
+/// In dB of the tone that went in.
+double levelDb(const std::vector<float>& samples) {
+    double sum = 0;
+    for (const float x : samples)
+        sum += static_cast<double>(x) * static_cast<double>(x);
+    return 10 * std::log10(2 * sum / static_cast<double>(samples.size()) / (0.5 * 0.5));
+}
+
+class ResampleQuality : public testing::TestWithParam<Rates> {};
+
+TEST_P(ResampleQuality, PassesTheAudibleBandFlatAndClean) {
+    const auto [in, out] = GetParam();
+    for (const double hertz : {20., 100., 997., 5000., 10000., 14000., 17000., 19000., 20000.}) {
+        const std::vector<float> tone = convertedTone(hertz, in, out);
+        EXPECT_NEAR(levelDb(tone), 0, 0.01) << hertz;
+        // All else: images above half the lower rate, and what they alias to.
+        EXPECT_LE(test::thdPlusNoiseDb(tone, out, hertz), -120) << hertz;
+    }
+}
+
+TEST_P(ResampleQuality, LeavesNothingBesideATonePastTheAudibleBand) {
+    const auto [in, out] = GetParam();
+    const double nyquist = std::min(in, out) / 2.0;
+    for (double hertz = 20500; hertz < nyquist; hertz += 500) {
+        const std::vector<float> tone = convertedTone(hertz, in, out); // weaker than it went in
+        EXPECT_LE(levelDb(tone) + test::thdPlusNoiseDb(tone, out, hertz), -120) << hertz;
+    }
+    // Between the two halves of the rates a tone has no place in the output.
+    for (double hertz = nyquist + 50; hertz < in / 2.0; hertz += 300)
+        EXPECT_LE(levelDb(convertedTone(hertz, in, out)), -120) << hertz;
+}
+
+INSTANTIATE_TEST_SUITE_P(, ResampleQuality,
+                         testing::Values(Rates{44100, 48000}, Rates{48000, 44100}));
+
 using rt::ChannelLayout;
 using enum rt::Speaker;
 
@@ -100,7 +145,7 @@ struct Mapping {
     const char* name;
     ChannelLayout from;
     ChannelLayout to;
-    std::vector<std::vector<double>> gains; // a row an output
+    std::vector<std::tuple<int, int, double>> gains; // output, input, gain; of others 0
 };
 
 std::ostream& operator<<(std::ostream& out, const Mapping& mapping) {
@@ -113,51 +158,56 @@ const ChannelLayout kStereo = ChannelLayout::usual(2);
 const ChannelLayout kFivePointOne = ChannelLayout::usual(6);
 const ChannelLayout kFivePointOneSide{
     6, {FrontLeft, FrontRight, FrontCenter, LowFrequency, SideLeft, SideRight}};
-constexpr double kThree = 1 + 2 * kHalfPower; // what a stereo side of 5.1 adds up to
-constexpr double kFour = 1 + 3 * kHalfPower;  // and one of 7.1
-constexpr double kA = 1 / kThree;
-constexpr double kB = kHalfPower / kThree;
-constexpr double kC = 1 / kFour;
-constexpr double kD = kHalfPower / kFour;
+constexpr double kA = 1 / (1 + kHalfPower); // what a stereo side of 3.0 adds up to
+constexpr double kB = kHalfPower * kA;
+constexpr double kC = 1 / (1 + 2 * kHalfPower); // of 5.1
+constexpr double kD = kHalfPower * kC;
+constexpr double kE = 1 / (1 + 3 * kHalfPower); // and of 7.1
+constexpr double kF = kHalfPower * kE;
 
 const Mapping kMappings[] = {
-    {"same", kStereo, kStereo, {{1, 0}, {0, 1}}},
-    {"mono to stereo", kMono, kStereo, {{1}, {1}}},
-    {"mono to 5.1", kMono, kFivePointOne, {{1}, {1}, {0}, {0}, {0}, {0}}},
-    {"stereo to mono", kStereo, kMono, {{0.5, 0.5}}},
-    {"stereo to 5.1", kStereo, kFivePointOne, {{1, 0}, {0, 1}, {0, 0}, {0, 0}, {0, 0}, {0, 0}}},
-    {"3.0 to stereo",
-     ChannelLayout::usual(3),
+    {"same", kStereo, kStereo, {{0, 0, 1}, {1, 1, 1}}},
+    {"mono to 5.1", kMono, kFivePointOne, {{0, 0, 1}, {1, 0, 1}}},
+    {"stereo to mono", kStereo, kMono, {{0, 0, 0.5}, {0, 1, 0.5}}},
+    {"stereo to 5.1", kStereo, kFivePointOne, {{0, 0, 1}, {1, 1, 1}}},
+    {"3.0", ChannelLayout::usual(3), kStereo, {{0, 0, kA}, {0, 2, kB}, {1, 1, kA}, {1, 2, kB}}},
+    {"5.1 to stereo",
+     kFivePointOne,
      kStereo,
-     {{1 / (1 + kHalfPower), 0, kHalfPower / (1 + kHalfPower)},
-      {0, 1 / (1 + kHalfPower), kHalfPower / (1 + kHalfPower)}}},
-    {"5.1 to stereo", kFivePointOne, kStereo, {{kA, 0, kB, 0, kB, 0}, {0, kA, kB, 0, 0, kB}}},
-    {"5.1 to mono", kFivePointOne, kMono, {{kA / 2, kA / 2, kB, 0, kB / 2, kB / 2}}},
+     {{0, 0, kC}, {0, 2, kD}, {0, 4, kD}, {1, 1, kC}, {1, 2, kD}, {1, 5, kD}}},
+    {"5.1 to mono",
+     kFivePointOne,
+     kMono,
+     {{0, 0, kC / 2}, {0, 1, kC / 2}, {0, 2, kD}, {0, 4, kD / 2}, {0, 5, kD / 2}}},
     {"7.1 to stereo",
      ChannelLayout::usual(8),
      kStereo,
-     {{kC, 0, kD, 0, kD, 0, kD, 0}, {0, kC, kD, 0, 0, kD, 0, kD}}},
+     {{0, 0, kE},
+      {0, 2, kF},
+      {0, 4, kF},
+      {0, 6, kF},
+      {1, 1, kE},
+      {1, 2, kF},
+      {1, 5, kF},
+      {1, 7, kF}}},
     {"5.1 to 5.1 with side speakers",
      kFivePointOne,
      kFivePointOneSide,
-     {{1, 0, 0, 0, 0, 0},
-      {0, 1, 0, 0, 0, 0},
-      {0, 0, 1, 0, 0, 0},
-      {0, 0, 0, 1, 0, 0},
-      {0, 0, 0, 0, 1, 0},
-      {0, 0, 0, 0, 0, 1}}},
+     {{0, 0, 1}, {1, 1, 1}, {2, 2, 1}, {3, 3, 1}, {4, 4, 1}, {5, 5, 1}}},
     {"7.1 to 5.1",
      ChannelLayout::usual(8),
      kFivePointOne,
-     {{0.5, 0, 0, 0, 0, 0, 0, 0},
-      {0, 0.5, 0, 0, 0, 0, 0, 0},
-      {0, 0, 0.5, 0, 0, 0, 0, 0},
-      {0, 0, 0, 0.5, 0, 0, 0, 0},
-      {0, 0, 0, 0, 0.5, 0, 0.5, 0},
-      {0, 0, 0, 0, 0, 0.5, 0, 0.5}}},
-    {"swapped stereo", {2, {FrontRight, FrontLeft}}, kStereo, {{0, 1}, {1, 0}}},
-    {"unknown channels", {3, {}}, kStereo, {{1, 0, 0}, {0, 1, 0}}},
-    {"stereo to an unknown device", kStereo, {2, {}}, {{1, 0}, {0, 1}}},
+     {{0, 0, 0.5},
+      {1, 1, 0.5},
+      {2, 2, 0.5},
+      {3, 3, 0.5},
+      {4, 4, 0.5},
+      {4, 6, 0.5},
+      {5, 5, 0.5},
+      {5, 7, 0.5}}},
+    {"swapped stereo", {2, {FrontRight, FrontLeft}}, kStereo, {{0, 1, 1}, {1, 0, 1}}},
+    {"unknown channels", {3, {}}, kStereo, {{0, 0, 1}, {1, 1, 1}}},
+    {"stereo to an unknown device", kStereo, {2, {}}, {{0, 0, 1}, {1, 1, 1}}},
 };
 
 class ChannelMapperTest : public testing::TestWithParam<Mapping> {};
@@ -168,19 +218,17 @@ TEST_P(ChannelMapperTest, MixesByTheTable) {
     const int inputs = mapping.from.channels;
     const int outputs = mapping.to.channels;
     for (int i = 0; i < inputs; ++i) {
-        std::vector<float> in(
-            static_cast<std::size_t>(3 * inputs)); // one channel in the middle frame
+        // One channel sounds, in the middle one of three frames.
+        std::vector<float> in(static_cast<std::size_t>(3 * inputs));
         in[static_cast<std::size_t>(inputs + i)] = 1;
-        std::vector<float> out(static_cast<std::size_t>(3 * outputs), 9);
-        mapper.map(in.data(), out.data(), 3);
-        for (int o = 0; o < outputs; ++o) {
-            const auto column = static_cast<std::size_t>(o);
-            const double gain = mapping.gains[column][static_cast<std::size_t>(i)];
-            EXPECT_NEAR(out[static_cast<std::size_t>(outputs) + column], gain, 1e-6)
-                << "from " << i << " into " << o;
-            EXPECT_EQ(out[column], 0);
-            EXPECT_EQ(out[static_cast<std::size_t>(2 * outputs) + column], 0);
+        std::vector<float> expected(static_cast<std::size_t>(3 * outputs));
+        for (const auto& [output, input, gain] : mapping.gains) {
+            expected[static_cast<std::size_t>(outputs + output)] +=
+                static_cast<float>(input == i ? gain : 0);
         }
+        std::vector<float> out(expected.size(), 9);
+        mapper.map(in.data(), out.data(), 3);
+        EXPECT_THAT(out, testing::Pointwise(testing::FloatNear(1e-6F), expected)) << "from " << i;
     }
 }
 

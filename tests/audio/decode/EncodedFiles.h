@@ -13,9 +13,8 @@ namespace quorel::test {
 class EncodedFileTest : public testing::Test {
   protected:
     void SetUp() override {
-        if (!hasTool("ffmpeg")) {
+        if (!hasTool("ffmpeg"))
             GTEST_SKIP() << "ffmpeg is not installed";
-        }
     }
     TemporaryFolder folder;
 };

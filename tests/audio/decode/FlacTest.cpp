@@ -21,22 +21,12 @@ std::ostream& operator<<(std::ostream& out, const FlacCase& flac) {
 // STREAMINFO's total is the low 36 bits of the 8 bytes at byte 18.
 std::string withTotal(std::string bytes, uint64_t total) {
     std::string field;
-    for (int shift = 32; shift >= 0; shift -= 8) {
+    for (int shift = 32; shift >= 0; shift -= 8)
         field += static_cast<char>(total >> shift & 0xFF);
-    }
     field[0] = static_cast<char>(field[0] | (bytes.at(21) & 0xF0));
     return bytes.replace(21, field.size(), field);
 }
 
-std::string withoutTotal(std::string bytes) {
-    return withTotal(std::move(bytes), 0);
-}
-std::string withShortTotal(std::string bytes) {
-    return withTotal(std::move(bytes), 1000);
-}
-std::string withLongTotal(std::string bytes) {
-    return withTotal(std::move(bytes), 9'000'000);
-}
 std::string behindId3(std::string bytes) {
     std::string tags("ID3\4\0\0\0\0\2\1", 10);
     tags.append(257, 'x');
@@ -45,7 +35,7 @@ std::string behindId3(std::string bytes) {
     return bytes.insert(0, tags);
 }
 std::string beforeId3v1(std::string bytes) {
-    return withoutTotal(std::move(bytes)).append("TAG").append(125, ' ');
+    return withTotal(std::move(bytes), 0).append("TAG").append(125, ' ');
 }
 
 const FlacCase kCases[] = {
@@ -54,14 +44,12 @@ const FlacCase kCases[] = {
     {"20 bits", 2, 20, {}},
     {"32 bits", 2, 32, {}},
     {"3 channels", 3, 16, {}},
-    {"4 channels", 4, 16, {}},
-    {"5 channels", 5, 16, {}},
     {"7 channels", 7, 16, {}},
     {"7.1", 8, 16, {}},
     {"tiny blocks", 1, 16, {"--blocksize=16", "--lax"}},
     {"large blocks", 2, 24, {"--blocksize=65535", "--lax"}},
-    {"total too short", 2, 16, {}, withShortTotal},
-    {"total too long", 2, 16, {}, withLongTotal},
+    {"total too short", 2, 16, {}, [](std::string b) { return withTotal(b, 1000); }},
+    {"total too long", 2, 16, {}, [](std::string b) { return withTotal(b, 9'000'000); }},
     {"behind two ID3v2 tags", 2, 16, {}, behindId3},
     {"no total, before an ID3v1 tag", 2, 16, {}, beforeId3v1},
 };
@@ -69,9 +57,8 @@ const FlacCase kCases[] = {
 class FlacTest : public testing::TestWithParam<FlacCase> {
   protected:
     void SetUp() override {
-        if (!hasTool("flac")) {
+        if (!hasTool("flac"))
             GTEST_SKIP() << "flac is not installed";
-        }
     }
     TemporaryFolder folder;
 };
@@ -94,10 +81,8 @@ TEST_P(FlacTest, GivesEverySampleExactlyFromAnyPlace) {
     const int64_t frames = flac.channels > 4 ? kFrames / 4 : kFrames;
     const TestSound sound(frames, flac.channels, flac.bits);
     const std::vector<float> expected = sound.asFloat();
-    std::string bytes = encode(folder, sound, flac.options);
-    if (flac.change != nullptr) {
-        bytes = flac.change(std::move(bytes));
-    }
+    const std::string encoded = encode(folder, sound, flac.options);
+    const std::string bytes = flac.change != nullptr ? flac.change(encoded) : encoded;
     const auto [file, error] = AudioFile::open(folder.write("a.flac", bytes));
     ASSERT_TRUE(file) << error;
     ASSERT_EQ(file->length(), frames);
@@ -127,7 +112,7 @@ TEST_F(FlacFileTest, TakesItsLayoutFromTheChannelMaskComment) {
 TEST_F(FlacFileTest, PlaysWhatIsThereOfAFileThatBreaksOff) {
     const TestSound sound(kFrames, 2, 16);
     const std::vector<float> expected = sound.asFloat();
-    const std::string bytes = withoutTotal(encode(folder, sound));
+    const std::string bytes = withTotal(encode(folder, sound), 0);
     const auto file =
         AudioFile::open(folder.write("a.flac", bytes.substr(0, bytes.size() * 6 / 10))).file;
     ASSERT_TRUE(file);

@@ -73,21 +73,18 @@ INSTANTIATE_TEST_SUITE_P(, WavTest, testing::ValuesIn(kCases));
 TEST(WavFile, EndsWithItsLastWholeFrame) {
     const TemporaryFolder folder;
     const std::string bytes = wavBytes(TestSound(1000, 2, 24));
-    const struct {
-        std::string bytes;
-        int64_t frames;
-    } cases[] = {
+    const std::tuple<std::string, int64_t> cases[] = {
         {bytes.substr(0, bytes.size() - 1), 999},
         {bytes.substr(0, 44 + 6 * 600 + 5), 600},
         {bytes.substr(0, 44 + 5), 0},
         {bytes.substr(0, 44), 0},
         {wavBytes(TestSound(0, 2, 16), {.after = kTrailer}), 0}, // finished, so 0 is no lie
     };
-    for (const auto& ending : cases) {
-        const auto file = AudioFile::open(folder.write("a", ending.bytes)).file;
+    for (const auto& [cutOff, frames] : cases) {
+        const auto file = AudioFile::open(folder.write("a", cutOff)).file;
         ASSERT_TRUE(file);
-        EXPECT_EQ(file->length(), ending.frames);
-        EXPECT_EQ(readAll(*file).size(), static_cast<std::size_t>(2 * ending.frames));
+        EXPECT_EQ(file->length(), frames);
+        EXPECT_EQ(readAll(*file).size(), static_cast<std::size_t>(2 * frames));
     }
 }
 

@@ -111,12 +111,10 @@ inline bool waitUntil(ManualClock& clock, const std::function<bool()>& condition
     const auto end = std::chrono::steady_clock::now() + longest;
     while (true) {
         clock.runPosted();
-        if (condition()) {
+        if (condition())
             return true;
-        }
-        if (std::chrono::steady_clock::now() > end) {
+        if (std::chrono::steady_clock::now() > end)
             return false;
-        }
         std::this_thread::sleep_for(1ms);
     }
 }

@@ -101,12 +101,10 @@ TEST_P(PulseOutputTest, TimingFollowsWhatIsCaptured) {
         back = std::max(back, now->heard - (now + 1)->heard);
         behind = std::max(behind, static_cast<double>(now->captured) - now->heard);
         // The recording comes in some 20 to 60 ms late.
-        while (later != readings.end() && later->at < now->at + 100ms) {
+        while (later != readings.end() && later->at < now->at + 100ms)
             ++later;
-        }
-        if (later != readings.end()) {
+        if (later != readings.end())
             ahead = std::max(ahead, now->heard - static_cast<double>(later->captured));
-        }
     }
     EXPECT_LT(back, 400);
     EXPECT_LT(behind, 60 * 48);
@@ -140,103 +138,26 @@ TEST_P(PulseOutputTest, ListsDevices) {
     EXPECT_EQ(devices[0].name, QStringLiteral("The-sink_a"));
     EXPECT_EQ(OutputDeviceManager::deviceID(*output, QStringLiteral("sink_b")), devices[1].id);
     EXPECT_EQ(OutputDeviceManager::deviceID(*output, QStringLiteral("sink")), std::nullopt);
-
-    const int changes = listener.deviceChanges;
-    server->removeSink("sink_b");
-    ASSERT_TRUE(until([&] { return output->devices().size() == 1; }));
-    EXPECT_GT(listener.deviceChanges, changes);
 }
 
-TEST_P(PulseOutputTest, FollowsTheDefaultUnlessADeviceIsChosen) {
+TEST_P(PulseOutputTest, ADefaultOfAnotherFormatNeedsANewStream) {
     play();
     output->start(listener.stream);
     server->setDefault("sink_b");
     const Recorder onB("sink_b");
     ASSERT_TRUE(captured(onB, client.frames + 20000));
-    EXPECT_EQ(listener.openings, 1) << "a default of the same format needs no new stream";
-
+    EXPECT_EQ(listener.openings, 1) << "one of the same format does not";
     server->addSink("mono", 48000, 1);
     server->setDefault("mono");
     ASSERT_TRUE(opened(2));
     EXPECT_EQ(listener.format.layout, rt::ChannelLayout::usual(1));
-
-    output->open(QStringLiteral("sink_b"));
-    ASSERT_TRUE(opened(3));
-    EXPECT_EQ(listener.format.layout, rt::ChannelLayout::usual(2));
-    output->start(listener.stream);
-    server->setDefault("sink_a");
-    const Recorder stillOnB("sink_b"); // the default also moves recorders
-    ASSERT_TRUE(captured(stillOnB, client.frames + 20000));
-    EXPECT_EQ(listener.openings, 3);
     EXPECT_EQ(listener.losses, 0);
-}
-
-TEST_P(PulseOutputTest, AnUnpluggedDeviceIsReturnedTo) {
-    play(QStringLiteral("sink_b"));
-    output->start(listener.stream);
-    ASSERT_TRUE(until([&] { return client.frames > 20000; }));
-
-    server->removeSink("sink_b");
-    ASSERT_TRUE(opened(2));
-    const Recorder onA("sink_a");
-    client.frames = 0;
-    output->start(listener.stream);
-    ASSERT_TRUE(captured(onA, 20000));
-
-    server->addSink("sink_b");
-    ASSERT_TRUE(opened(3));
-    const Recorder onB("sink_b");
-    client.frames = 0;
-    output->start(listener.stream);
-    ASSERT_TRUE(captured(onB, 20000));
-    EXPECT_EQ(readRamp(onB.samples(), 2).first, 1);
-    EXPECT_EQ(listener.losses, 0) << "there was always a device to play on";
-}
-
-TEST_P(PulseOutputTest, SurvivesItsServer) {
-    play();
-    output->start(listener.stream);
-    ASSERT_TRUE(until([&] { return client.frames > 20000; }));
-    server->kill();
-    ASSERT_TRUE(until([&] { return listener.losses == 1; }));
-    EXPECT_FALSE(output->timing().advancing);
-    const int64_t asked = client.total;
-
-    startServer();
-    ASSERT_TRUE(opened(2));
-    EXPECT_EQ(client.total, asked) << "asked for sound before the start";
-    EXPECT_EQ(listener.losses, 1) << "an outage is told once";
-    const Recorder recorder("sink_a");
-    client.frames = 0;
-    output->start(listener.stream);
-    ASSERT_TRUE(captured(recorder, 20000));
-    EXPECT_EQ(readRamp(recorder.samples(), 2).breaks, 0);
-}
-
-TEST_P(PulseOutputTest, WaitsForAServerAndADevice) {
-    makeOutput();
-    output->open({});
-    ASSERT_TRUE(until([&] { return listener.losses == 1; }));
-    server->start();
-    server->addSink("late");
-    ASSERT_TRUE(opened(1));
-    const Recorder recorder("late");
-    output->start(listener.stream);
-    EXPECT_TRUE(captured(recorder, 20000));
-    EXPECT_EQ(listener.losses, 1);
 }
 
 TEST_P(PulseOutputTest, AFrozenServerHoldsNobodyUp) {
     play();
     output->start(listener.stream);
     ASSERT_TRUE(until([&] { return client.frames > 20000; }));
-    server->freeze();
-    ASSERT_TRUE(until([&] { return listener.stalled; }));
-    EXPECT_FALSE(output->timing().advancing);
-    server->thaw();
-    ASSERT_TRUE(until([&] { return !listener.stalled; }));
-    EXPECT_EQ(listener.losses, 0);
-
     server->freeze();
     std::chrono::nanoseconds longest{0};
     const auto timed = [&](const std::function<void()>& call) {
@@ -257,9 +178,8 @@ TEST_P(PulseOutputTest, AFrozenServerHoldsNobodyUp) {
 }
 
 TEST_P(PulseOutputTest, ASuspendedDeviceHoldsThePosition) {
-    if (GetParam() == SoundServer::Kind::PipeWire) {
+    if (GetParam() == SoundServer::Kind::PipeWire)
         GTEST_SKIP() << "PipeWire does not suspend a sink in use";
-    }
     play();
     output->start(listener.stream);
     ASSERT_TRUE(until([&] { return output->timing().advancing; }));

@@ -51,15 +51,11 @@ TEST(FastMath, IsAsExactAsItSays) {
 }
 
 TEST(DynamicsProcessor, FollowsItsStaticCurveAndKeepsTheImage) {
-    std::vector<std::pair<DynamicsParameters, double>> cases;
     for (const auto& p : kPresets)
-        for (const double level : {-60.0, -24.0, -12.0, -6.0, -1.0, 6.0, 30.0})
-            cases.emplace_back(p, level);
-    for (const int rate : {48000, 384000})
-        for (const auto& [p, level] : cases) {
+        for (const double level : {-60.0, -24.0, -12.0, -6.0, -1.0, 6.0, 30.0}) {
             DynamicsProcessor unit;
-            prepare(unit, p, rate);
-            Stream stream = steps(rate, {{level, 1.0}});
+            prepare(unit, p, 48000);
+            Stream stream = steps(48000, {{level, 1.0}});
             run(unit, stream);
             const double threshold = static_cast<double>(p.thresholdDb);
             const double room = static_cast<double>(p.headRoomDb);

@@ -71,9 +71,8 @@ TEST(Ring, survivesRewindsWhileItIsRead) {
         const auto chunk = numbered(position % 100000, 97, 2);
         const int64_t n = ring.write(chunk.data(), 97);
         position += n;
-        if (n > 50 && position % 5 == 0 && !ring.rewind(ring.writePosition() - 40)) {
+        if (n > 50 && position % 5 == 0 && !ring.rewind(ring.writePosition() - 40))
             break;
-        }
     }
     stop = true;
     reader.join();
@@ -98,9 +97,8 @@ TEST(LatestValue, readerSeesTheNewestAndNeverAMixture) {
         const Value& value = slot.read();
         ASSERT_GE(value.all[0], seen);
         seen = value.all[0];
-        for (const uint64_t part : value.all) {
+        for (const uint64_t part : value.all)
             ASSERT_EQ(part, seen);
-        }
     }
     writer.join();
 }
@@ -113,15 +111,13 @@ TEST(SourceExchange, everySourceComesBackExactlyOnce) {
         Source* playing = nullptr;
         while (!stop) {
             if (Source* next = exchange.take()) {
-                if (playing) {
+                if (playing)
                     exchange.giveBack(playing);
-                }
                 playing = next;
             }
         }
-        if (playing) {
+        if (playing)
             exchange.giveBack(playing);
-        }
     });
     std::set<uint64_t> back;
     const auto collect = [&] {

@@ -12,23 +12,6 @@ namespace {
 
 constexpr int kRate = 48000;
 
-TEST(GainRamp, MovesFrameExactlyAlsoOutOfARunningRamp) {
-    GainRamp ramp;
-    float gains[12];
-    ramp.rampTo(0.0f, 8, Shape::Linear);
-    ramp.render(gains, 4);
-    EXPECT_EQ(gains[0], 0.875f);
-    EXPECT_EQ(ramp.value(), 0.5f);
-    ramp.rampTo(1.0f, 10, Shape::RaisedCosine); // turns round half way
-    ramp.render(gains, 12);
-    EXPECT_NEAR(gains[0], 0.5 + 0.5 * (0.5 - 0.5 * std::cos(M_PI / 10)), 1e-7);
-    EXPECT_NEAR(gains[4], 0.75, 1e-7);
-    EXPECT_LT(gains[8], 1.0f);
-    EXPECT_EQ(gains[9], 1.0f);
-    EXPECT_EQ(gains[11], 1.0f);
-    EXPECT_TRUE(ramp.atTarget());
-}
-
 TEST(Mixer, FadesWithoutSplatter) {
     struct {
         const char* name;
@@ -74,15 +57,6 @@ TEST(Mixer, BalancesAndScalesExactly) {
                 ASSERT_EQ(output.pairs[p][i + 1], input.pairs[p][i + 1] * row.right) << row.pan;
             }
     }
-}
-
-TEST(Mixer, AddsNoDistortion) {
-    Mixer mixer;
-    mixer.setVolume(0.7f);
-    mixer.prepare(format(kRate));
-    Stream stream = Stream::ofMono(quorel::test::sine(0.89, 997, kRate, 48000));
-    run(mixer, stream);
-    EXPECT_LE(quorel::test::thdPlusNoiseDb(stream.left(), kRate, 997), -135);
 }
 
 } // namespace

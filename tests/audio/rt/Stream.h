@@ -5,7 +5,6 @@
 #include <functional>
 #include <random>
 #include <span>
-#include <string>
 #include <utility>
 #include <vector>
 

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <memory>
 
 namespace quorel::rt::test {
@@ -15,74 +14,65 @@ namespace {
 constexpr float kUp[10] = {6, 4, -3, 2, -2, 3, -4, 2, 5, 6};
 constexpr float kFlat[10] = {};
 
-/// A unit and what is done to it while it runs; frames are thousandths of the stream's length.
-struct UnitCase {
-    const char* name;
-    std::unique_ptr<Node> (*make)(Events& events);
-};
+/// A unit; what is done to it while it runs, at thousandths of the stream's length, goes to
+/// `events`.
+using Make = std::unique_ptr<Node> (*)(Events& events);
 
-template <class Unit, class... Arguments>
-std::unique_ptr<Unit> make(Arguments... arguments) {
-    return std::make_unique<Unit>(arguments...);
+std::unique_ptr<Node> makeMixer(Events& events) {
+    auto unit = std::make_unique<Mixer>();
+    Mixer& m = *unit;
+    events = {{100, [&m] { m.glideVolume(0.3f); }},
+              {105, [&m] { m.setPan(-0.7f); }},
+              {300, [&m] { m.rampVolume(0.0f, 1500, Shape::Linear); }},
+              {500, [&m] { m.rampVolume(1.0f, 700, Shape::RaisedCosine); }},
+              {520, [&m] { m.setPan(0.0f); }}};
+    return unit;
 }
 
-const UnitCase kCases[] = {
-    {"mixer",
-     [](Events& events) -> std::unique_ptr<Node> {
-         auto unit = make<Mixer>();
-         Mixer& m = *unit;
-         events = {{100, [&m] { m.glideVolume(0.3f); }},
-                   {105, [&m] { m.setPan(-0.7f); }},
-                   {300, [&m] { m.rampVolume(0.0f, 1500, Shape::Linear); }},
-                   {500, [&m] { m.rampVolume(1.0f, 700, Shape::RaisedCosine); }},
-                   {520, [&m] { m.setPan(0.0f); }}};
-         return unit;
-     }},
-    {"equaliser",
-     [](Events& events) -> std::unique_ptr<Node> {
-         auto unit = make<EqUnit>(10);
-         EqUnit& e = *unit;
-         for (int i = 0; i < 10; ++i)
-             e.setBand(i, {.type = i == 0 ? FilterType::LowShelf : FilterType::Parametric,
-                           .frequencyHz = 31.25 * (1 << i),
-                           .gainDb = i == 3 ? 2.0f : 0.0f});
-         e.setBypass(false);
-         events = {{50, [&e] { e.setGain(2, 5); }},
-                   {100, [&e] { e.rampGains(kUp, 8, 97); }},
-                   {120, [&e] { e.rampGlobalGain(-5, 10, 61); }},
-                   {130, [&e] { e.setGain(9, -8); }},
-                   {500, [&e] { e.rampGains(kFlat, 8, 11); }},
-                   {600, [&e] { e.setBypass(true); }},
-                   {800, [&e] { e.setBypass(false), e.setGain(4, 3); }}};
-         return unit;
-     }},
-    {"dynamics",
-     [](Events& events) -> std::unique_ptr<Node> {
-         auto unit = make<DynamicsProcessor>();
-         DynamicsProcessor& d = *unit;
-         events = {{50,
-                    [&d] {
-                        d.setParameters({-22, 10, 0.015f, 0.18f, 5.775f});
-                    }},
-                   {100, [&d] { d.setBypass(false); }},
-                   {400,
-                    [&d] {
-                        d.setParameters({-26, 5, 0.005f, 0.1f, 7.9625f});
-                    }},
-                   {600, [&d] { d.setBypass(true); }}};
-         return unit;
-     }},
-    {"limiter",
-     [](Events& events) -> std::unique_ptr<Node> {
-         auto unit = make<PeakLimiter>();
-         PeakLimiter& l = *unit;
-         events = {{100, [&l] { l.setPreGain(-0.8f); }}, {500, [&l] { l.setPreGain(6.0f); }}};
-         return unit;
-     }},
-};
+std::unique_ptr<Node> makeEqualiser(Events& events) {
+    auto unit = std::make_unique<EqUnit>(10);
+    EqUnit& e = *unit;
+    for (int i = 0; i < 10; ++i)
+        e.setBand(i, {.type = i == 0 ? FilterType::LowShelf : FilterType::Parametric,
+                      .frequencyHz = 31.25 * (1 << i),
+                      .gainDb = i == 3 ? 2.0f : 0.0f});
+    e.setBypass(false);
+    events = {{50, [&e] { e.setGain(2, 5); }},
+              {100, [&e] { e.rampGains(kUp, 8, 97); }},
+              {120, [&e] { e.rampGlobalGain(-5, 10, 61); }},
+              {130, [&e] { e.setGain(9, -8); }},
+              {500, [&e] { e.rampGains(kFlat, 8, 11); }},
+              {600, [&e] { e.setBypass(true); }},
+              {800, [&e] { e.setBypass(false), e.setGain(4, 3); }}};
+    return unit;
+}
+
+std::unique_ptr<Node> makeDynamics(Events& events) {
+    static constexpr DynamicsParameters kSoft{-22, 10, 0.015f, 0.18f, 5.775f};
+    static constexpr DynamicsParameters kHard{-26, 5, 0.005f, 0.1f, 7.9625f};
+    auto unit = std::make_unique<DynamicsProcessor>();
+    DynamicsProcessor& d = *unit;
+    events = {{50, [&d] { d.setParameters(kSoft); }},
+              {100, [&d] { d.setBypass(false); }},
+              {400, [&d] { d.setParameters(kHard); }},
+              {600, [&d] { d.setBypass(true); }}};
+    return unit;
+}
+
+std::unique_ptr<Node> makeLimiter(Events& events) {
+    auto unit = std::make_unique<PeakLimiter>();
+    PeakLimiter& l = *unit;
+    events = {{100, [&l] { l.setPreGain(-0.8f); }}, {500, [&l] { l.setPreGain(6.0f); }}};
+    return unit;
+}
+
+const std::pair<const char*, Make> kUnits[] = {{"mixer", makeMixer},
+                                               {"equaliser", makeEqualiser},
+                                               {"dynamics", makeDynamics},
+                                               {"limiter", makeLimiter}};
 
 TEST(Units, BlockSizesDoNotChangeASingleBit) {
-    for (const UnitCase& unit : kCases)
+    for (const auto& [name, make] : kUnits)
         for (const auto& [rate, channels] : {std::pair{8000, 1}, {48000, 2}, {384000, 7}}) {
             constexpr int kFrames = 24000;
             Stream input = Stream::noise((channels + 1) / 2, kFrames, 0.05f);
@@ -91,7 +81,7 @@ TEST(Units, BlockSizesDoNotChangeASingleBit) {
             Stream outputs[2] = {input, input};
             for (const bool split : {false, true}) {
                 Events events;
-                const auto node = unit.make(events);
+                const auto node = make(events);
                 for (auto& event : events)
                     event.first *= kFrames / 1000;
                 node->prepare(format(rate, channels));
@@ -101,11 +91,11 @@ TEST(Units, BlockSizesDoNotChangeASingleBit) {
                 };
                 run(*node, outputs[split ? 1 : 0], events, size);
             }
-            EXPECT_NE(outputs[0].pairs, input.pairs) << unit.name;
+            EXPECT_NE(outputs[0].pairs, input.pairs) << name;
             for (std::size_t p = 0; p < input.pairs.size(); ++p)
                 for (std::size_t i = 0; i < input.pairs[p].size(); ++i)
                     ASSERT_EQ(outputs[0].pairs[p][i], outputs[1].pairs[p][i])
-                        << unit.name << ' ' << rate << " pair " << p << " sample " << i;
+                        << name << ' ' << rate << " pair " << p << " sample " << i;
         }
 }
 

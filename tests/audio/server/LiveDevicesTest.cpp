@@ -12,15 +12,13 @@ class LiveDevices : public LiveEngineTest {
   protected:
     void SetUp() override {
         LiveEngineTest::SetUp();
-        if (!IsSkipped()) {
+        if (!IsSkipped())
             startServer({"sink_b", "sink_a"});
-        }
     }
     static QStringList uids(const LivePlayer& player) {
         QStringList found;
-        for (const OutputDevice& device : player.engine.outputDevices()) {
+        for (const OutputDevice& device : player.engine.outputDevices())
             found += device.uid;
-        }
         return found;
     }
     /// Waits until the track is heard on a sink, checks that it is whole there and that the
@@ -134,9 +132,8 @@ TEST_P(LiveDevices, areListedInTheServersOrderWithoutInputsAndStandIns) {
     const int atFirst = listed(serversOrder());
     server->addSink("another");
     EXPECT_GT(listed(serversOrder()), atFirst);
-    for (const char* name : {"another", "sink_a", "sink_b"}) {
+    for (const char* name : {"another", "sink_a", "sink_b"})
         server->removeSink(name);
-    }
     listed({});
     EXPECT_EQ(server->sinkNames(), std::vector<std::string>{"auto_null"});
     EXPECT_TRUE(player.runUntil([&] { return !player.engine.isOutputOpen(); }));

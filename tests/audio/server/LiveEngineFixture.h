@@ -14,12 +14,11 @@ class LiveEngineTest : public SoundServerTest {
     static constexpr int kRate = 48000;
     static constexpr int64_t kEdge = 960;
 
+    static TrackToPlay trackOf(std::shared_ptr<AudioFile> file) {
+        return {std::move(file), QUuid::createUuid(), 0, {}, 1.0};
+    }
     static TrackToPlay track(int64_t frames, int64_t first = 0) {
-        return {std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)),
-                QUuid::createUuid(),
-                0,
-                {},
-                1.0};
+        return trackOf(std::make_shared<MadeFile>(kRate, 2, ramp(frames, first)));
     }
     /// Plays a track and waits until its start has been captured.
     void playAloud(LivePlayer& player, Recorder& recorder, const TrackToPlay& wanted) {
@@ -53,11 +52,9 @@ class LiveEngineTest : public SoundServerTest {
     /// Places where the ramp does not go on with the next frame.
     static std::vector<std::size_t> breaks(const std::vector<int64_t>& numbers) {
         std::vector<std::size_t> places;
-        for (std::size_t i = 1; i < numbers.size(); ++i) {
-            if (numbers[i] != numbers[i - 1] + 1) {
+        for (std::size_t i = 1; i < numbers.size(); ++i)
+            if (numbers[i] != numbers[i - 1] + 1)
                 places.push_back(i);
-            }
-        }
         return places;
     }
 };

@@ -16,9 +16,8 @@ class LiveEngine : public LiveEngineTest {
   protected:
     void SetUp() override {
         LiveEngineTest::SetUp();
-        if (!IsSkipped()) {
+        if (!IsSkipped())
             startServer({"sink_a"});
-        }
     }
 };
 INSTANTIATE_TEST_SUITE_P(Servers, LiveEngine, kEachServer, serverName);
@@ -41,11 +40,7 @@ TEST_P(LiveEngine, aCutRecordingComesThroughTheConverterAsIfUncut) {
     constexpr int64_t cut = 60013;
     const Samples whole = music(frames);
     const auto piece = [&](int64_t from, int64_t to) {
-        return TrackToPlay{std::make_shared<MadeFile>(44100, 2, part(whole, from, to)),
-                           QUuid::createUuid(),
-                           0,
-                           {},
-                           1.0};
+        return trackOf(std::make_shared<MadeFile>(44100, 2, part(whole, from, to)));
     };
     const auto captured = [&] {
         Recorder recorder("sink_a");
@@ -72,14 +67,12 @@ TEST_P(LiveEngine, aCutRecordingComesThroughTheConverterAsIfUncut) {
     Samples got = sounding(captured());
     // A server that had to wait for a processor captures a block twice; what we do wrong comes
     // back.
-    for (int again = 0; again < 2 && got.size() != expected.size(); ++again) {
+    for (int again = 0; again < 2 && got.size() != expected.size(); ++again)
         got = sounding(captured());
-    }
     ASSERT_EQ(got.size(), expected.size());
     float worst = 0;
-    for (std::size_t i = 0; i < got.size(); ++i) {
+    for (std::size_t i = 0; i < got.size(); ++i)
         worst = std::max(worst, std::abs(got[i] - expected[i]));
-    }
     EXPECT_LT(worst, 1e-6F);
 }
 
@@ -89,7 +82,7 @@ TEST_P(LiveEngine, anotherRateFollowsAfterAShortSilenceAndWhole) {
     const auto next = std::make_shared<MadeFile>(44100, 1, Samples(44100, 0.25F));
     player.engine.onTrackEnded = [&] {
         if (++player.ended == 1) {
-            EXPECT_FALSE(player.engine.load({next, QUuid::createUuid(), 0, {}, 1.0}, 0));
+            EXPECT_FALSE(player.engine.load(trackOf(next), 0));
         }
     };
     playAloud(player, recorder, track(48000));
@@ -197,34 +190,6 @@ TEST_P(LiveEngine, aFrozenServerHoldsThePositionAndNotTheProgram) {
     EXPECT_LT(player.longestTurn, kWaited);
 }
 
-/// A ramp without an end to speak of; it begins anew every kPeriod frames.
-class EndlessRamp final : public AudioFile {
-  public:
-    static constexpr int64_t kPeriod = 900000;
-
-    EndlessRamp() {
-        format_ = {48000, rt::ChannelLayout::usual(2)};
-        length_ = int64_t{48000} * 86400;
-    }
-    double dataRate() const override { return 0; }
-    int64_t position() const override { return position_; }
-    bool seek(int64_t frame) override {
-        position_ = frame;
-        return true;
-    }
-    int64_t read(float* out, int64_t frames) override {
-        for (int64_t i = 0; i < frames; ++i, ++position_) {
-            const float value = static_cast<float>(position_ % kPeriod + 1) / 1048576.0F;
-            *out++ = value;
-            *out++ = -value;
-        }
-        return frames;
-    }
-
-  private:
-    int64_t position_ = 0;
-};
-
 /// Keeps every processor busy, twice over.
 class Load {
   public:
@@ -246,7 +211,9 @@ TEST_P(LiveEngine, keepsPlayingWhileTheProcessorsAreBusy) {
     Recorder recorder("sink_a");
     LivePlayer player;
     const Load load;
-    playAloud(player, recorder, {std::make_shared<EndlessRamp>(), QUuid::createUuid(), 0, {}, 1});
+    constexpr int64_t kPeriod = 900000; // of a ramp that follows itself again and again
+    player.engine.onNeedPreload = [&] { player.engine.preloadNext(track(kPeriod)); };
+    playAloud(player, recorder, track(kPeriod));
     player.run(length);
     EXPECT_EQ(player.engine.outputCounts().underflows, 0);
     EXPECT_EQ(player.engine.outputCounts().underruns, 0);
@@ -256,9 +223,8 @@ TEST_P(LiveEngine, keepsPlayingWhileTheProcessorsAreBusy) {
     ASSERT_GT(numbers.size(), kRate * (static_cast<std::size_t>(length.count()) - 1));
     numbers.resize(numbers.size() - 2 * kEdge); // the fade at the end
     int lost = 0;
-    for (const std::size_t place : breaks(numbers)) {
-        lost += numbers[place] == 0 && numbers[place - 1] == EndlessRamp::kPeriod - 1 ? 0 : 1;
-    }
+    for (const std::size_t place : breaks(numbers))
+        lost += numbers[place] == 0 && numbers[place - 1] == kPeriod - 1 ? 0 : 1;
     EXPECT_EQ(lost, 0);
 }
 

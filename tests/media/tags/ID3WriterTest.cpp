@@ -13,14 +13,11 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <taglib/id3v2tag.h>
-#include <taglib/mpegfile.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <functional>
-#include <sstream>
 
 namespace quorel::test {
 
@@ -40,36 +37,12 @@ Tags titled(const char* title) {
     return tags;
 }
 
-Tags allTags() {
-    Tags tags = titled("Заголовок 🎵");
-    tags.artist = QStringLiteral("Artist / Other");
-    tags.album = QStringLiteral(" blank ");
-    tags.albumArtist = QStringLiteral("Various");
-    tags.genre = QStringLiteral("(17)");
-    tags.year = QStringLiteral("1999");
-    tags.trackNumber = 7;
-    tags.trackTotal = 12;
-    tags.discNumber = 2;
-    tags.composer = QStringLiteral("Компо́зитор");
-    tags.comment = QStringLiteral("two\nlines");
-    return tags;
-}
-
 std::string bytesOf(const Tags& tags) {
     return ID3Writer::tagBytes(tags).toStdString();
 }
 
 std::string fromHex(const char* hex) {
     return QByteArray::fromHex(hex).toStdString();
-}
-
-std::vector<std::string> namesIn(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        names.push_back(entry.path().filename());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 TEST(ID3Writer, LaysTagsOutByteForByte) {
@@ -86,16 +59,10 @@ TEST(ID3Writer, LaysTagsOutByteForByte) {
     every.title = every.artist = every.album = every.albumArtist = every.genre = every.year =
         every.composer = every.comment = QStringLiteral("x");
     every.trackNumber = every.discNumber = 5;
-    const struct {
-        const char* what;
-        Tags tags;
-        std::string bytes;
-    } cases[] = {
+    const std::tuple<const char*, Tags, std::string> cases[] = {
         {"nothing", {}, fromHex("494433 03 00 00 00000000")},
         {"a title", titled("Ab"),
          fromHex("494433 03 00 00 00000011 54495432 00000007 0000 01 FFFE 4100 6200")},
-        {"a blank title", titled(" "),
-         fromHex("494433 030000 0000000F 54495432 00000005 0000 01FFFE 2000")},
         {"numbers", numbers,
          fromHex("494433 030000 00000026 5452434B 0000000B 0000 01FFFE 3300 2F00 3100 3000"
                  "54504F53 00000007 0000 01FFFE 2D00 3100")},
@@ -103,15 +70,13 @@ TEST(ID3Writer, LaysTagsOutByteForByte) {
         {"a comment", comment,
          fromHex("494433 030000 00000016 434F4D4D 0000000C 0000 01 656E67 FFFE 0000 FFFE E900")},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(bytesOf(c.tags), c.bytes) << c.what;
-    }
+    for (const auto& [what, tags, bytes] : cases)
+        EXPECT_EQ(bytesOf(tags), bytes) << what;
     std::string order;
     const std::string bytes = bytesOf(every);
     for (std::size_t at = 10; at < bytes.size();
-         at += 10 + static_cast<unsigned char>(bytes[at + 7])) {
+         at += 10 + static_cast<unsigned char>(bytes[at + 7]))
         order += bytes.substr(at, 4) + " ";
-    }
     EXPECT_EQ(order, "TIT2 TPE1 TALB TPE2 TCON TYER TCOM COMM TRCK TPOS ");
     const std::string large = bytesOf(titled(std::string(100'000, 'x').c_str()));
     EXPECT_EQ(large.substr(6, 12), syncsafe(200'013) + "TIT2" + bigEndian(200'003, 4));
@@ -145,8 +110,7 @@ TEST(ID3Writer, ReplacesTheOldTagAlone) {
         const std::string path = folder.write("song.mp3", c.file);
         EXPECT_EQ(write(path, titled("New")), 0);
         EXPECT_EQ(readFile(path), bytesOf(titled("New")) + c.kept);
-        const std::vector<std::string> names = namesIn(folder.path(""));
-        EXPECT_EQ(names.size(), c.orig ? 2U : 1U);
+        EXPECT_EQ(folder.names().size(), c.orig ? 2U : 1U);
         if (c.orig) {
             EXPECT_EQ(readFile(path + ".orig"), c.file);
             folder.write("song.mp3", c.file + "another");
@@ -161,47 +125,39 @@ TEST(ID3Writer, OthersReadWhatIsWritten) {
     const TemporaryFolder folder;
     const std::string wav = folder.write("in.wav", wavBytes(TestSound(44100, 2, 16)));
     const std::string path = folder.path("song.mp3");
-    if (!runTool({"lame", "--quiet", "--tt", "Old", "--tg", "Rock", wav, path})) {
+    if (!runTool({"lame", "--quiet", "--tt", "Old", "--tg", "Rock", wav, path}))
         GTEST_SKIP() << "lame is not installed";
-    }
     const TrackMetadata old = MetadataReader::read(pathFromBytes(path.c_str()));
     EXPECT_EQ(old.title, QStringLiteral("Old"));
-    const Tags tags = allTags();
+    Tags tags = titled("Заголовок 🎵");
+    tags.artist = QStringLiteral("Artist / Other");
+    tags.album = QStringLiteral(" blank ");
+    tags.albumArtist = QStringLiteral("Various");
+    tags.genre = QStringLiteral("(17)");
+    tags.year = QStringLiteral("1999");
+    tags.trackNumber = 7;
+    tags.trackTotal = 12;
+    tags.discNumber = 2;
+    tags.composer = QStringLiteral("Компо́зитор");
+    tags.comment = QStringLiteral("two\nlines");
     ASSERT_EQ(write(path, tags), 0);
 
-    TrackMetadata expected;
-    expected.title = tags.title;
-    expected.artist = tags.artist;
-    expected.album = tags.album;
-    expected.albumArtist = tags.albumArtist;
-    expected.genre = tags.genre;
-    expected.year = tags.year;
-    expected.trackNumber = 7;
-    expected.trackTotal = 12;
-    expected.discNumber = 2;
-    expected.composer = tags.composer;
-    expected.comment = tags.comment;
-    expected.duration = old.duration;
-    expected.sampleRateHz = old.sampleRateHz;
-    expected.bitrateKbps = old.bitrateKbps;
+    const TrackMetadata expected{old.duration,
+                                 tags.artist,
+                                 tags.title,
+                                 tags.album,
+                                 tags.albumArtist,
+                                 tags.genre,
+                                 tags.year,
+                                 7,
+                                 12,
+                                 2,
+                                 {},
+                                 tags.composer,
+                                 tags.comment,
+                                 old.bitrateKbps,
+                                 old.sampleRateHz};
     EXPECT_EQ(MetadataReader::read(pathFromBytes(path.c_str())), expected);
-
-    TagLib::MPEG::File file(path.c_str(), false);
-    const auto* tag = file.ID3v2Tag();
-    const auto text = [](const TagLib::String& string) { return string.to8Bit(true); };
-    EXPECT_EQ(text(tag->title()), tags.title.toStdString());
-    EXPECT_EQ(text(tag->comment()), "two\nlines");
-    EXPECT_EQ(tag->track(), 7U);
-    for (const auto& [id, value] : {std::pair{"TPE1", tags.artist},
-                                    {"TALB", tags.album},
-                                    {"TPE2", tags.albumArtist},
-                                    {"TCOM", tags.composer},
-                                    {"TPOS", QStringLiteral("2")},
-                                    {"TRCK", QStringLiteral("7/12")}}) {
-        const auto& frames = tag->frameList(id);
-        ASSERT_EQ(frames.size(), 1U) << id;
-        EXPECT_EQ(text(frames.front()->toString()), value.toStdString());
-    }
 
     const std::string probed = folder.path("probed");
     const int output = ::open(probed.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
@@ -216,9 +172,8 @@ TEST(ID3Writer, OthersReadWhatIsWritten) {
     for (const char* line :
          {"TAG:title=Заголовок 🎵\n", "TAG:artist=Artist / Other\n", "TAG:album= blank \n",
           "TAG:album_artist=Various\n", "TAG:date=1999\n", "TAG:composer=Компо́зитор\n",
-          "TAG:comment=two\nlines\n", "TAG:track=7/12\n", "TAG:disc=2\n"}) {
+          "TAG:comment=two\nlines\n", "TAG:track=7/12\n", "TAG:disc=2\n"})
         EXPECT_NE(found.find(line), std::string::npos) << line << "in\n" << found;
-    }
 }
 
 TEST(ID3Writer, GoesByTheName) {
@@ -261,8 +216,8 @@ TEST(ID3Writer, KeepsLinksPermissionsAndOwner) {
     EXPECT_EQ(status.st_mode & 07777, 0640U);
     EXPECT_EQ(status.st_uid, superuser ? 1234U : ::geteuid());
     EXPECT_EQ(status.st_gid, superuser ? 2345U : status.st_gid);
-    EXPECT_EQ(namesIn(folder.path("")), (std::vector<std::string>{"again", "link.mp3", "music"}));
-    EXPECT_EQ(namesIn(folder.path("music")).size(), 1U);
+    EXPECT_EQ(folder.names().size(), 3U);
+    EXPECT_EQ(folder.names("music").size(), 1U);
 }
 
 // The error number of `work` done by a user without privileges, in a process of its own.
@@ -271,9 +226,8 @@ int asNobody(const std::function<int()>& work) {
     if (child == 0) {
         const bool superuser = ::geteuid() == 0;
         if (superuser &&
-            (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+            (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0))
             ::_exit(255);
-        }
         ::_exit(work());
     }
     int status = 0;
@@ -296,47 +250,39 @@ int withFileLimit(rlim_t bytes, const std::function<int()>& work) {
 TEST(ID3Writer, FailuresLeaveTheFileAsItWas) {
     const std::string bytes = id3Tag(3, frame3("TIT2", "\0Old"s)) + std::string(300'000, 'a');
     const std::string cut = id3Tag(3, std::string(300'000, 'a'), 0, 400'000);
+    using Attempt = std::function<int(const std::string& path)>;
+    const Attempt bySelf = [](const auto& path) { return write(path, titled("T")); };
+    const Attempt byOther = [&](const auto& path) {
+        return asNobody([&] { return bySelf(path); });
+    };
+    const auto limitedTo = [&](rlim_t limit) -> Attempt {
+        return [&, limit](const auto& path) {
+            return withFileLimit(limit, [&] { return bySelf(path); });
+        };
+    };
     const struct {
         const char* what;
         mode_t file;
         mode_t folder;
         int error;
-        std::function<int(const std::string&)> attempt;
+        Attempt attempt;
         std::string content;
         std::size_t left = 1; // files in the folder
     } cases[] = {
-        {"a read-only file, for the superuser too", 0444, 0755, EACCES,
-         [](const auto& path) { return write(path, titled("T")); }, bytes},
-        {"a file of somebody else's", 0644, 0777, EACCES,
-         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); },
-         bytes},
-        {"a folder of somebody else's", 0666, 0755, EACCES,
-         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); },
-         bytes},
+        {"a read-only file, for the superuser too", 0444, 0755, EACCES, bySelf, bytes},
+        {"a file of somebody else's", 0644, 0777, EACCES, byOther, bytes},
+        {"a folder of somebody else's", 0666, 0755, EACCES, byOther, bytes},
         // Here everyone may write and add files, but not remove others'.
-        {"a file that cannot be replaced", 0666, 01777, EPERM,
-         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); }, bytes,
-         2},
+        {"a file that cannot be replaced", 0666, 01777, EPERM, byOther, bytes, 2},
         // Nor can the second name of the file be removed that it was to be kept by.
-        {"the same, with all sound in the tag", 0666, 01777, EPERM,
-         [](const auto& path) { return asNobody([&] { return write(path, titled("T")); }); }, cut,
-         3},
-        {"no room for the sound", 0644, 0755, EFBIG,
-         [](const auto& path) {
-             return withFileLimit(100'000, [&] { return write(path, titled("T")); });
-         },
-         bytes},
-        {"no room for the tag", 0644, 0755, EFBIG,
-         [](const auto& path) {
-             return withFileLimit(5, [&] { return write(path, titled("T")); });
-         },
-         bytes},
+        {"the same, with all sound in the tag", 0666, 01777, EPERM, byOther, cut, 3},
+        {"no room for the sound", 0644, 0755, EFBIG, limitedTo(100'000), bytes},
+        {"no room for the tag", 0644, 0755, EFBIG, limitedTo(5), bytes},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        if (::geteuid() != 0 && c.error != EFBIG && c.file != 0444) {
+        if (::geteuid() != 0 && c.error != EFBIG && c.file != 0444)
             continue; // somebody else is needed
-        }
         const TemporaryFolder folder;
         ASSERT_EQ(::chmod(folder.path("").c_str(), 0755), 0);
         fs::create_directory(folder.path("music"));
@@ -345,7 +291,7 @@ TEST(ID3Writer, FailuresLeaveTheFileAsItWas) {
         ASSERT_EQ(::chmod(folder.path("music").c_str(), c.folder), 0);
         EXPECT_EQ(c.attempt(path), c.error);
         EXPECT_EQ(readFile(path), c.content);
-        EXPECT_EQ(namesIn(folder.path("music")).size(), c.left);
+        EXPECT_EQ(folder.names("music").size(), c.left);
     }
     const TemporaryFolder folder;
     fs::create_directory(folder.path("folder.mp3"));
@@ -362,11 +308,7 @@ TEST(ID3Writer, CountsWhatItWouldDrop) {
     const auto comment = [](const std::string& about) {
         return frame3("COMM", "\0eng"s + about + "\0text"s);
     };
-    const struct {
-        const char* what;
-        std::string file;
-        int64_t dropped;
-    } cases[] = {
+    const std::tuple<const char*, std::string, int64_t> cases[] = {
         {"no tag", "\xFF\xFB", 0},
         {"what is written again", id3Tag(3, title + frame3("TRCK", "\0001"s) + comment("")), 0},
         {"a picture and lyrics", id3Tag(3, picture + title + frame3("USLT", "\0eng\0la"s)), 2},
@@ -381,14 +323,14 @@ TEST(ID3Writer, CountsWhatItWouldDrop) {
         {"an encrypted title", id3Tag(3, frame3("TIT2", "\0Old"s, 0x40)), 1},
     };
     const TemporaryFolder folder;
-    for (const auto& c : cases) {
-        const auto in = [&](const char* name) {
-            return ID3Writer::framesDropped(pathFromBytes(folder.write(name, c.file).c_str()));
-        };
-        EXPECT_EQ(in("song.mp3"), c.dropped) << c.what;
-        EXPECT_EQ(in("song.flac"), 0) << c.what;
+    const auto droppedOf = [](const std::string& path) {
+        return ID3Writer::framesDropped(pathFromBytes(path.c_str()));
+    };
+    for (const auto& [what, file, dropped] : cases) {
+        EXPECT_EQ(droppedOf(folder.write("song.mp3", file)), dropped) << what;
+        EXPECT_EQ(droppedOf(folder.write("song.flac", file)), 0) << what;
     }
-    EXPECT_EQ(ID3Writer::framesDropped(pathFromBytes(folder.path("none.mp3").c_str())), 0);
+    EXPECT_EQ(droppedOf(folder.path("none.mp3")), 0);
 }
 
 TEST(ID3Writer, LargeFilesPassThroughLittleMemory) {

@@ -10,9 +10,8 @@ using namespace std::string_literals;
 
 inline std::string bigEndian(std::size_t number, int bytes, int bits = 8) {
     std::string text;
-    for (int i = bytes - 1; i >= 0; --i) {
+    for (int i = bytes - 1; i >= 0; --i)
         text += static_cast<char>(number >> bits * i & ((1U << bits) - 1));
-    }
     return text;
 }
 
@@ -44,9 +43,8 @@ inline std::string unsynchronised(const std::string& bytes) {
         const bool follows =
             i + 1 < bytes.size() &&
             (bytes[i + 1] == '\0' || static_cast<unsigned char>(bytes[i + 1]) >= 0xE0);
-        if (bytes[i] == '\xFF' && (follows || i + 1 == bytes.size())) {
+        if (bytes[i] == '\xFF' && (follows || i + 1 == bytes.size()))
             text += '\0';
-        }
     }
     return text;
 }

@@ -11,7 +11,6 @@
 
 #include <QJsonDocument>
 #include <cmath>
-#include <fstream>
 
 namespace quorel::test {
 
@@ -32,25 +31,10 @@ std::string tagsIn(const std::string& path) {
     return QJsonDocument(cli::toJson(metadata)).toJson(QJsonDocument::Compact).toStdString();
 }
 
-std::vector<std::string> corpusFiles() {
-    std::vector<std::string> files;
-    const fs::path corpus = fs::path(QUOREL_SOURCE_DIR) / ".." / "shared" / "corpus";
-    if (fs::exists(corpus)) {
-        for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
-            if (entry.is_regular_file()) {
-                files.push_back(entry.path().string());
-            }
-        }
-    }
-    return files;
-}
-
 const std::string kSound = wavBytes(TestSound(4410, 2, 16));
 
 std::string wavWith(const std::string& chunks) {
-    WavRecipe recipe;
-    recipe.after = chunks;
-    return wavBytes(TestSound(4410, 2, 16), recipe);
+    return wavBytes(TestSound(4410, 2, 16), {.after = chunks});
 }
 
 std::string aiffWith(const std::string& chunks) {
@@ -74,12 +58,7 @@ TEST(MetadataReader, TagsOfEveryPlace) {
     const std::string frames =
         frame3("TIT2", "\0\xCF\xF0\xE8\xE2\xE5\xF2"s) + frame3("TPE1", "\0One"s) +
         frame3("TPE1", "\0Two"s) + frame3("TPE1", "\0"s) + frame3("TCON", "\0(51)(39)"s) +
-        frame3("TYER", "\0"
-                       "1987"s) +
-        frame3("TRCK", "\0"
-                       "A/12"s) +
-        frame3("TPOS", "\0"
-                       "1/2"s) +
+        frame3("TYER", "\0001987"s) + frame3("TRCK", "\0A/12"s) + frame3("TPOS", "\0001/2"s) +
         frame3("TPE2", "\0\xC4\xE4"s) + frame3("TCOM", "\0Who"s) + frame3("COMM", "\0eng\0Text"s) +
         frame3("COMM", "\0engiTunNORM\0 00000A"s);
     const std::string tag = id3Tag(3, frames);
@@ -94,11 +73,7 @@ TEST(MetadataReader, TagsOfEveryPlace) {
     const std::string id3v1 =
         "TAG" + "V1 title"s + std::string(22, '\0') + "V1 artist" + std::string(86, '\0');
     const std::string other = id3Tag(3, frame3("TIT2", "\0Other"s));
-    const struct {
-        const char* what;
-        std::string file;
-        std::string tags;
-    } cases[] = {
+    const std::tuple<const char*, std::string, std::string> cases[] = {
         {"nothing but a tag", tag, all},
         {"a sound without tags", kSound, "{}"},
         {"in front of WAV", tag + kSound, all},
@@ -108,9 +83,7 @@ TEST(MetadataReader, TagsOfEveryPlace) {
         {"an AIFF's chunk", aiffWith(iffChunk("ID3 ", tag)), all},
         {"AIFF's own chunks", aiffWith(iffChunk("AUTH", "Au") + iffChunk("NAME", "Na\0"s)),
          R"~({"artist":"Au","title":"Na"})~"},
-        {"CAF's information",
-         cafWith("\0\0\0\3title\0T\0album\0\xC3\x84lbum\0tempo\0"
-                 "120\0"s),
+        {"CAF's information", cafWith("\0\0\0\3title\0T\0album\0\xC3\x84lbum\0tempo\000120\0"s),
          R"~({"album":"Älbum","title":"T"})~"},
         {"ID3v1", std::string(400, 'x') + id3v1, R"~({"artist":"V1 artist","title":"V1 title"})~"},
         {"ID3v1 for what ID3v2 lacks", other + std::string(400, 'x') + id3v1,
@@ -118,30 +91,21 @@ TEST(MetadataReader, TagsOfEveryPlace) {
         {"a tag left over behind a new one", tag + other + std::string(400, 'x'), all},
         {"an empty tag before one", id3Tag(3, "") + other + std::string(400, 'x'),
          R"~({"title":"Other"})~"},
-        {"years",
-         id3Tag(4, frame4("TDRC", "\0"
-                                  "2001-02"s) +
-                       frame4("TYER", "\0"
-                                      "1999"s)),
+        {"years", id3Tag(4, frame4("TDRC", "\0002001-02"s) + frame4("TYER", "\0001999"s)),
          R"~({"year":"1999"})~"},
-        {"several values",
-         id3Tag(4, frame4("TPE1", "\3One\0Two"s) + frame4("TRCK", "\0"
-                                                                  "1\0"
-                                                                  "2"s)),
+        {"several values", id3Tag(4, frame4("TPE1", "\3One\0Two"s) + frame4("TRCK", "\0001\0002"s)),
          R"~({"artist":"One / Two","trackNumber":1})~"},
     };
     const TemporaryFolder folder;
-    for (const auto& c : cases) {
-        EXPECT_EQ(tagsIn(folder.write("file\xFF.mp3", c.file)), c.tags) << c.what;
-    }
+    for (const auto& [what, file, tags] : cases)
+        EXPECT_EQ(tagsIn(folder.write("file\xFF.mp3", file)), tags) << what;
     EXPECT_EQ(readPath(folder.path("none.mp3")), TrackMetadata());
     EXPECT_EQ(readPath(folder.path("")), TrackMetadata());
 }
 
 TEST(MetadataReader, TagsThatEncodersWrite) {
-    if (!hasTool("ffmpeg") || !hasTool("flac")) {
+    if (!hasTool("ffmpeg") || !hasTool("flac"))
         GTEST_SKIP() << "ffmpeg or flac is not installed";
-    }
     const TemporaryFolder folder;
     const TestSound sound(22050, 2, 16);
     for (const char* name : {"a.m4a", "a.flac", "a.mp3", "a.aiff", "a.caf"}) {
@@ -172,8 +136,6 @@ TEST(MetadataReader, TagsOfTheCorpus) {
         {"samples/sample_v2_3_ext_header.mp3",
          R"~({"album":"Album v2","artist":"Interpret v2","discNumber":2,"title":"Title v2",)~"
          R"~("trackNumber":2,"year":"2002"})~"},
-        {"resources/v23unicodetags.mp3",
-         R"~({"album":"こんにちは","artist":"γειά σου","composer":"હેલ્લો","title":"中文"})~"},
         {"samples/id3_comment_utf_16_double_bom.mp3",
          R"~({"album":"The Embrace","artist":"Johannes Heil & D.Diggler","comment":"Unclear",)~"
          R"~("title":"The Embrace (Romano Alfieri Remix)","year":"2012"})~"},
@@ -190,13 +152,11 @@ TEST(MetadataReader, TagsOfTheCorpus) {
          R"~("title":"TITLE1234567890123456789012345"})~"},
     };
     const std::vector<std::string> files = corpusFiles();
-    if (files.empty()) {
+    if (files.empty())
         GTEST_SKIP() << "no corpus beside the project";
-    }
     for (const auto& [name, tags] : cases) {
-        const auto file =
-            std::find_if(files.begin(), files.end(),
-                         [&name = name](const auto& path) { return path.ends_with(name); });
+        const auto file = std::ranges::find_if(
+            files, [&name = name](const auto& path) { return path.ends_with(name); });
         ASSERT_NE(file, files.end()) << name;
         EXPECT_EQ(tagsIn(*file), tags) << name;
     }
@@ -205,12 +165,10 @@ TEST(MetadataReader, TagsOfTheCorpus) {
 // Whatever way length and rates are found, they are what playing the file would give.
 TEST(MetadataReader, SoundIsAsPlayed) {
     std::vector<std::string> paths = corpusFiles();
-    for (const MatrixFile& file : matrixFiles(QUOREL_AUDIO_MATRIX)) {
+    for (const MatrixFile& file : matrixFiles(QUOREL_AUDIO_MATRIX))
         paths.push_back(file.path);
-    }
-    if (paths.empty()) {
+    if (paths.empty())
         GTEST_SKIP() << "neither a corpus nor what scripts/make-audio-matrix makes";
-    }
     int compared = 0;
     for (const std::string& path : paths) {
         SCOPED_TRACE(path);
@@ -233,45 +191,20 @@ TEST(MetadataReader, SoundIsAsPlayed) {
 TEST(MetadataReader, SurvivesWhateverAFileHolds) {
     constexpr std::size_t kLargest = 300'000;
     std::vector<std::string> seeds;
-    for (const MatrixFile& file : matrixFiles(QUOREL_AUDIO_SEEDS)) {
-        if (fs::is_regular_file(file.path)) { // one is a pipe
+    for (const MatrixFile& file : matrixFiles(QUOREL_AUDIO_SEEDS))
+        if (fs::is_regular_file(file.path)) // one is a pipe
             seeds.push_back(file.path);
-        }
-    }
     for (const std::string& path : corpusFiles()) {
         const auto start = std::chrono::steady_clock::now();
         readPath(path); // which also loads all libraries before memory is measured
         EXPECT_LT(secondsSince(start), 2 * kPatience) << path;
-        if (fs::file_size(path) <= kLargest) {
+        if (fs::file_size(path) <= kLargest)
             seeds.push_back(path);
-        }
     }
-    if (seeds.empty()) {
+    if (seeds.empty())
         GTEST_SKIP() << "neither a corpus nor what scripts/make-audio-matrix makes";
-    }
-    const TemporaryFolder folder;
-    std::minstd_rand random(29);
-    const int64_t before = peakMemory();
-    const int count = mutationCount();
-    ASSERT_GT(count, 0);
-    int measured = 0;
-    for (int i = 0; i < count; ++i) {
-        const std::string& seed = seeds[random() % seeds.size()];
-        const std::string path = folder.write("mutated", mutated(readFile(seed), random));
-        const auto start = std::chrono::steady_clock::now();
-        measured += readPath(path).duration ? 1 : 0;
-        if (const double taken = secondsSince(start); taken > 2 * kPatience) {
-            const std::string kept = fs::temp_directory_path() / "quorel-slow-tags";
-            fs::copy_file(path, kept, fs::copy_options::overwrite_existing);
-            FAIL() << "mutation " << i << " of " << seed << " took " << taken << " s: " << kept;
-        }
-    }
-    EXPECT_GT(measured, count / 4);
-#ifndef QUOREL_SANITIZED
-    EXPECT_LT(peakMemory() - before, 64 << 20);
-#else
-    static_cast<void>(before);
-#endif
+    readMutations(seeds, 2 * kPatience,
+                  [](const auto& path) { return readPath(path).duration.has_value(); });
 }
 
 TEST(MetadataJson, NamesAllFieldsAndLeavesOutAbsentOnes) {

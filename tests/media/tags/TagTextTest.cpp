@@ -8,12 +8,8 @@ namespace {
 
 TEST(FixMojibake, RepairsCyrillicAlone) {
     const auto latin1 = [](const char* bytes) { return QString::fromLatin1(bytes); };
-    struct Case {
-        const char* what;
-        QString text;
-        QString fixed; // null: as it was
-    };
-    const Case cases[] = {
+    // What it is, its text, the text repaired: null where it stays as it was.
+    const std::tuple<const char*, QString, QString> cases[] = {
         {"a word", latin1("\xCF\xF0\xE8\xE2\xE5\xF2"), QStringLiteral("Привет")},
         {"letters outside the alphabet's row", latin1("\xB8\xA8\xBF\xBA\xB4\x81"),
          QStringLiteral("ёЁїєґЃ")},
@@ -38,9 +34,8 @@ TEST(FixMojibake, RepairsCyrillicAlone) {
         {"one other character", latin1("\xCF\xF0\xE8\xE2\xE5\xF2") + QChar(0x2013), {}},
         {"nothing", QStringLiteral(""), {}},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(fixMojibake(c.text), c.fixed.isNull() ? c.text : c.fixed) << c.what;
-    }
+    for (const auto& [what, text, fixed] : cases)
+        EXPECT_EQ(fixMojibake(text), fixed.isNull() ? text : fixed) << what;
     EXPECT_EQ(fixMojibake(std::nullopt), std::nullopt);
 }
 
@@ -50,45 +45,39 @@ TEST(FixMojibake, KnowsAllOfWindows1251) {
                                         "°±Ііґµ¶·ё№є»јЅѕї");
     const QString cyrillic = QStringLiteral("АБЮЯабюя");
     QString bytes;
-    for (char16_t byte = 0x80; byte <= 0xBF; ++byte) {
+    for (char16_t byte = 0x80; byte <= 0xBF; ++byte)
         bytes += byte == 0x98 ? QString() : QString(QChar(byte));
-    }
     const QString enough = QString::fromLatin1("\xC0\xC1\xDE\xDF\xE0\xE1\xFE\xFF");
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
+    for (qsizetype i = 0; i < bytes.size(); ++i)
         EXPECT_EQ(fixMojibake(enough + bytes[i]), cyrillic + rows[i]) << i;
-    }
 }
 
 TEST(ParseNumberSlash, Forms) {
     using Number = std::optional<qint64>;
-    const struct {
-        const char* text;
-        Number number;
-        Number total;
-    } cases[] = {
+    const Number none;
+    const std::tuple<const char*, Number, Number> cases[] = {
         {"3/12", 3, 12},
-        {"3", 3, {}},
+        {"3", 3, none},
         {"4 / 9", 4, 9},
         {"\t07/ 010 ", 7, 10},
-        {"A/12", {}, 12},
-        {"3/B", 3, {}},
-        {"/12", 12, {}},
-        {"3/", 3, {}},
-        {"1/2/3", 1, {}},
-        {"", {}, {}},
-        {"/", {}, {}},
+        {"A/12", none, 12},
+        {"3/B", 3, none},
+        {"/12", 12, none},
+        {"3/", 3, none},
+        {"1/2/3", 1, none},
+        {"", none, none},
+        {"/", none, none},
         {"-2/+5", -2, 5},
-        {"+-5", {}, {}},
-        {"3.5", {}, {}},
-        {"1 2", {}, {}},
-        {"\n3", {}, {}},
-        {"9223372036854775807", 9223372036854775807, {}},
-        {"9223372036854775808/1", {}, 1},
+        {"+-5", none, none},
+        {"3.5", none, none},
+        {"1 2", none, none},
+        {"\n3", none, none},
+        {"9223372036854775807", 9223372036854775807, none},
+        {"9223372036854775808/1", none, 1},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(parseNumberSlash(QString::fromLatin1(c.text)),
-                  (NumberAndTotal{c.number, c.total}))
-            << c.text;
+    for (const auto& [text, number, total] : cases) {
+        EXPECT_EQ(parseNumberSlash(QString::fromLatin1(text)), (NumberAndTotal{number, total}))
+            << text;
     }
     EXPECT_EQ(parseNumberSlash(std::nullopt), NumberAndTotal());
 }

@@ -1,7 +1,0 @@
-// AIFF and AIFF-C files.
-#include "Play.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    quorel::fuzz::play(data, size, {{0, "FORM"}, {8, "AIF"}});
-    return 0;
-}

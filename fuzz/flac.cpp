@@ -1,7 +1,0 @@
-// FLAC files.
-#include "Play.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    quorel::fuzz::play(data, size, {{0, "fLaC"}});
-    return 0;
-}
