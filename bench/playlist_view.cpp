@@ -1,5 +1,6 @@
 // What the user waits for in the playlist area with two playlists of 100,000 tracks: milliseconds
-// from the act to the repainted window. Run with QT_QPA_PLATFORM=offscreen.
+// from the act to the repainted window, and the most processor time that took. Run with
+// QT_QPA_PLATFORM=offscreen.
 #include "SampleState.h"
 #include "core/QtClock.h"
 #include "model/Path.h"
@@ -19,6 +20,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 
 using namespace quorel;
 
@@ -51,7 +53,7 @@ struct Window {
         area = std::make_unique<PlaylistArea>(*player, clock);
         area->resize(560, 700);
         area->show();
-        QCoreApplication::processEvents();
+        area->repaint(); // loads the fonts, also those of foreign titles
     }
 
     QUuid list(qsizetype index) const { return player->playlistAt(index).id; }
@@ -65,24 +67,33 @@ struct Window {
 
 void doNothing(int) {}
 
+double processorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
 /// Prints the median and the longest of some runs; an act, and what is done before it and not
 /// measured, are told which run it is.
 template <class Act, class Before = void (*)(int)>
 void measure(Window& window, const char* what, double limit, Act act, Before before = doNothing) {
     std::vector<double> taken;
+    double mostBusy = 0;
     for (int run = 0; run < kRuns; ++run) {
         before(run);
         QCoreApplication::processEvents();
         const auto start = std::chrono::steady_clock::now();
+        const double ran = processorTime();
         act(run);
         window.area->repaint();
         const std::chrono::duration<double, std::milli> time =
             std::chrono::steady_clock::now() - start;
         taken.push_back(time.count());
+        mostBusy = std::max(mostBusy, processorTime() - ran);
     }
     std::ranges::sort(taken);
-    std::printf("%-34s median %6.2f ms   longest %6.2f ms   wanted %3.0f ms\n", what,
-                taken[taken.size() / 2], taken.back(), limit);
+    std::printf("%-30s median %6.2f   longest %6.2f   most processor %6.2f   wanted %3.0f ms\n",
+                what, taken[taken.size() / 2], taken.back(), mostBusy, limit);
 }
 
 } // namespace
@@ -98,6 +109,8 @@ int main(int argc, char* argv[]) {
             [&](int run) { bar.setValue((run + 1) * window.view().viewport()->height()); });
     SearchField& field = window.area->toolbar().search();
     const QString typed = QStringLiteral("movement no. 12");
+    player.prepareSearch(); // as entering the field does
+    QTest::qWait(500);
     measure(window, "a key typed into the search", 16,
             [&](int run) { field.setText(typed.left(run % typed.size() + 1)); });
     field.clear();

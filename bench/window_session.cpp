@@ -195,6 +195,7 @@ class Session {
         {"equaliser preset", [this] { player_.applyEQPreset(QStringLiteral("rock")); }},
         {"show 100,000 tracks", [this] { player_.setActivePlaylist(library_); }},
         {"scroll", [this] { scroll(0.5); }},
+        {"enter the search", [this] { player_.prepareSearch(); }},
         {"type into the search", [this] { player_.setSearchText(QStringLiteral("1")); }},
         {"type another letter", [this] { player_.setSearchText(QStringLiteral("12")); }},
         {"clear the search", [this] { player_.setSearchText({}); }},

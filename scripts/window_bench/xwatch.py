@@ -4,6 +4,7 @@ import select
 import struct
 import time
 
+STRUCTURE_NOTIFY = 1 << 17  # windows answer a window manager's questions by these
 SUBSTRUCTURE_NOTIFY = 1 << 19
 CREATE_NOTIFY = 16
 DAMAGE_RAW_RECTANGLES = 0
@@ -31,7 +32,8 @@ class WindowWatch:
             raise RuntimeError("the X server tells of no damage")
         self.damageNotify = first.value
         root = self.x.XDefaultRootWindow(self.display)
-        self.x.XSelectInput(self.display, ctypes.c_ulong(root), ctypes.c_long(SUBSTRUCTURE_NOTIFY))
+        self.x.XSelectInput(self.display, ctypes.c_ulong(root),
+                            ctypes.c_long(STRUCTURE_NOTIFY | SUBSTRUCTURE_NOTIFY))
         self.x.XSync(self.display, 0)
 
     def events(self, until):
@@ -64,12 +66,27 @@ class WindowWatch:
                     self.x.XFlush(self.display)
             elif kind == self.damageNotify:
                 window, = struct.unpack_from("L", event, 32)
-                width, height = struct.unpack_from("HH", event, 68)
-                whole = struct.unpack_from("HH", event, 76)
-                painted[window] = painted.get(window, 0) + width * height
-                if painted[window] > whole[0] * whole[1] / 2:
+                painted[window] = painted.get(window, 0) + self.sharePainted(kind, event)
+                if painted[window] > 0.5:
                     return now, window
         return None
+
+    def sharePainted(self, kind, event):
+        """How much of its window an event tells to have been painted: 0 to 1."""
+        if kind != self.damageNotify:
+            return 0
+        width, height = struct.unpack_from("HH", event, 68)
+        wholeWidth, wholeHeight = struct.unpack_from("HH", event, 76)
+        return width * height / (wholeWidth * wholeHeight)
+
+    def geometry(self, window):
+        """x, y, width and height of a top-level window."""
+        root, border, depth = ctypes.c_ulong(), ctypes.c_uint(), ctypes.c_uint()
+        x, y, width, height = (ctypes.c_int() for _ in range(4))
+        self.x.XGetGeometry(self.display, ctypes.c_ulong(window), ctypes.byref(root),
+                            ctypes.byref(x), ctypes.byref(y), ctypes.byref(width),
+                            ctypes.byref(height), ctypes.byref(border), ctypes.byref(depth))
+        return x.value, y.value, width.value, height.value
 
     def minimise(self, window):
         """Needs a window manager."""

@@ -40,13 +40,15 @@ UpdateSource updateSource() {
 
 } // namespace
 
-QuorelApp::QuorelApp(const CommandLine& line, const QString& stateFile, SingleInstance& instance)
+QuorelApp::QuorelApp(const CommandLine& line, const QString& stateFile,
+                     std::future<LoadedState> loading, SingleInstance& instance)
     : paths_(line.paths)
     , instance_(instance)
     , player_({.clock = clock_,
                .engine = makeEngine(clock_, line.nullOutput),
                .stateFile = stateFile,
-               .output = line.outputUid})
+               .output = line.outputUid,
+               .loading = std::move(loading)})
     , updates_(clock_, updateSource())
     , window_(player_, updates_, clock_)
     , signals_([] { quit(); }) {

@@ -25,7 +25,8 @@ class QuorelApp final : public QObject {
 
   public:
     /// `instance` is the first, and outlives the app.
-    QuorelApp(const CommandLine& line, const QString& stateFile, SingleInstance& instance);
+    QuorelApp(const CommandLine& line, const QString& stateFile, std::future<LoadedState> loading,
+              SingleInstance& instance);
     ~QuorelApp() override;
 
     void show();

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
 
 using namespace quorel;
 
@@ -41,6 +42,8 @@ int main(int argc, char* argv[]) {
             return EXIT_FAILURE;
         }
     }
+    // Meanwhile Qt connects to the display.
+    auto loading = std::async(std::launch::async, LoadedState::of, stateFile);
     const QtMessageHandler usual = qInstallMessageHandler(sayWithoutDisplay);
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
@@ -48,7 +51,7 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationVersion(QStringLiteral(QUOREL_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("quorel"));
     applyTheme(application);
-    QuorelApp app(line, stateFile, instance);
+    QuorelApp app(line, stateFile, std::move(loading), instance);
     app.show();
     return QApplication::exec();
 }

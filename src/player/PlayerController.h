@@ -13,8 +13,10 @@
 #include "player/Selection.h"
 #include "player/TrackOpener.h"
 #include "player/TracksEdit.h"
+#include "storage/Persistence.h"
 
 #include <QObject>
+#include <future>
 #include <memory>
 
 namespace quorel {
@@ -39,6 +41,8 @@ class PlayerController : public QObject {
         std::function<quint64()> random = {}; ///< the system's where it is empty
         /// Takes the place of the settings' output device where it is there.
         std::optional<QString> output = {};
+        /// The loading of the state file, where another thread has begun it.
+        std::future<LoadedState> loading = {};
     };
 
     /// Loads the state file and applies its settings to the engine.

@@ -33,7 +33,7 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
     , collecting(parts.queues, clock, "collecting")
     , analysis(parts.queues, clock, "analysis")
     , writer(parts.queues, clock, "writer")
-    , tabs(load())
+    , tabs(load(parts))
     , playback({clock, files, *engine, tabs, settings}, std::move(parts.open),
                orSystems(std::move(parts.random)),
                {.changed = [this] { playbackChanged(); },
@@ -86,8 +86,11 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
 }
 
 /// The state of the last session, all but the tabs put into place; a fresh one without it.
-PlaylistTabs PlayerController::Core::load() {
-    PersistedState loaded = store.load().value_or(PersistedState());
+PlaylistTabs PlayerController::Core::load(Parts& parts) {
+    LoadedState begun =
+        parts.loading.valid() ? parts.loading.get() : LoadedState::of(parts.stateFile);
+    store = std::move(begun.file);
+    PersistedState loaded = std::move(begun.state).value_or(PersistedState());
     settings = std::move(loaded.settings);
     resumePlaylistID = loaded.resumePlaylistID;
     resumeTrackID = loaded.resumeTrackID;

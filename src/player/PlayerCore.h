@@ -151,7 +151,7 @@ struct PlayerController::Core {
     PlayerChanges changes;
 
   private:
-    PlaylistTabs load();
+    PlaylistTabs load(Parts& parts);
 };
 
 } // namespace quorel

@@ -112,7 +112,7 @@ TracksEdit TrackList::remove(const std::vector<qsizetype>& rows, RemovedTracks& 
     if (rows.empty())
         return {};
     if (std::ssize(rows) == size()) {
-        removed = {rows, playlist_.tracks};
+        removed = {rows, playlist_.tracks}; // shared until the list lets go of it
         return clear();
     }
     removed = {rows, {}};
@@ -141,7 +141,7 @@ TracksEdit TrackList::restore(RemovedTracks removed) {
         while (contains(track.id))
             track.id = QUuid::createUuid();
     if (before == 0)
-        playlist_.tracks = std::move(removed.tracks);
+        playlist_.tracks = std::move(removed.tracks); // appended, each would be moved by itself
     else
         playlist_.tracks.append(std::move(removed.tracks));
     const bool isAtEnd = removed.rows.front() == before;

@@ -74,4 +74,10 @@ bool Persistence::setAside() const {
     return true;
 }
 
+LoadedState LoadedState::of(const QString& path) {
+    LoadedState loaded{Persistence(path), {}};
+    loaded.state = loaded.file.load();
+    return loaded;
+}
+
 } // namespace quorel

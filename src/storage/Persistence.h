@@ -29,4 +29,12 @@ class Persistence {
     bool isUnread_ = false; ///< there is a file that the next save would destroy unread
 };
 
+/// A state file and what it held.
+struct LoadedState {
+    static LoadedState of(const QString& path);
+
+    Persistence file;
+    std::optional<PersistedState> state;
+};
+
 } // namespace quorel
