@@ -5,9 +5,11 @@
 #include "audio/output/PulseOutput.h"
 #include "desktop/ActivationToken.h"
 #include "desktop/AnimationSetting.h"
+#include "desktop/FileManager.h"
 #include "desktop/Mpris.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/SuspendInhibition.h"
+#include "model/FileUri.h"
 #include "ui/AppIcon.h"
 #include "ui/theme/Motion.h"
 #include "update/ProductAddresses.h"
@@ -38,6 +40,12 @@ UpdateSource updateSource() {
             .tls = {}};
 }
 
+void showFile(const QString& path) {
+    showInFileManager(path, [folder = path.left(path.lastIndexOf(u'/') + 1)] {
+        QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(folder).toLatin1()));
+    });
+}
+
 } // namespace
 
 QuorelApp::QuorelApp(const CommandLine& line, const QString& stateFile,
@@ -56,6 +64,7 @@ QuorelApp::QuorelApp(const CommandLine& line, const QString& stateFile,
     connect(&window_, &MainWindow::shownFirst, this, &QuorelApp::settleIn);
     connect(&window_, &MainWindow::closeRequested, this, &QuorelApp::windowClosed);
     connect(&window_, &MainWindow::quitRequested, this, [] { quit(); });
+    connect(&window_, &MainWindow::showFileRequested, this, &showFile);
     connect(&instance_, &SingleInstance::received, this,
             [this](const QStringList& paths, const QByteArray& token) {
                 useActivationToken(token);

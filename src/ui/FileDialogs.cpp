@@ -1,17 +1,14 @@
 #include "ui/FileDialogs.h"
 
-#include "model/FileUri.h"
 #include "model/Path.h"
 #include "player/PlayerController.h"
 #include "ui/FilesAndFoldersDialog.h"
 
-#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QMessageBox>
 #include <QPointer>
 #include <QStandardPaths>
-#include <QUrl>
 
 namespace quorel {
 
@@ -80,11 +77,6 @@ void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* 
     lastFolder() = dialog.directory().absolutePath();
     if (const auto error = player.savePlaylist(playlist, pathOf(dialog.selectedFiles().front())))
         tell(parent, *error);
-}
-
-void showInFileManager(const QString& path) {
-    const QString folder = path.left(path.lastIndexOf(u'/') + 1);
-    QDesktopServices::openUrl(QUrl::fromEncoded(fileUri(folder).toLatin1()));
 }
 
 } // namespace quorel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QString>
 #include <QUuid>
 
 class QWidget;
@@ -15,8 +14,5 @@ void addFilesOrFolders(PlayerController& player, QWidget* parent);
 void loadPlaylistFile(PlayerController& player, QWidget* parent);
 /// Of the playlist with that id.
 void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* parent);
-
-/// Shows the folder that the file is in.
-void showInFileManager(const QString& path);
 
 } // namespace quorel

@@ -4,6 +4,7 @@
 #include "ui/controls/ValueSlider.h"
 #include "ui/theme/FocusVisible.h"
 
+#include <QAbstractItemView>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
@@ -37,7 +38,7 @@ KeyFilter::KeyFilter(PlayerController& player, QObject* parent)
     QCoreApplication::instance()->installEventFilter(this);
 }
 
-FocusContext KeyFilter::focusContext() {
+FocusContext KeyFilter::contextOf(Qt::Key key) const {
     QWidget* const focus = QApplication::focusWidget();
     if (isEditingText())
         return {FocusKind::TextField, false};
@@ -46,10 +47,22 @@ FocusContext KeyFilter::focusContext() {
         return {FocusKind::ArrowControl, true};
     if (focus && isOneOf<ValueSlider, QAbstractSlider, QComboBox, QTabBar>(focus))
         return {FocusKind::ArrowControl, showsFocusRing(focus)};
+    if (focus && focus == enteredList_ && (key == Qt::Key_Up || key == Qt::Key_Down))
+        return {FocusKind::ArrowControl, showsFocusRing(focus)};
     return {};
 }
 
+/// The focus that comes back with its window, or from a menu, is as it was.
+void KeyFilter::followFocus(QWidget* widget, Qt::FocusReason reason) {
+    if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason)
+        enteredList_ = qobject_cast<QAbstractItemView*>(widget);
+    else if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+        enteredList_.clear();
+}
+
 bool KeyFilter::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn && watched->isWidgetType())
+        followFocus(static_cast<QWidget*>(watched), static_cast<QFocusEvent*>(event)->reason());
     const bool isOverride = event->type() == QEvent::ShortcutOverride;
     if ((!isOverride && event->type() != QEvent::KeyPress) || !watched->isWidgetType())
         return false;
@@ -57,8 +70,8 @@ bool KeyFilter::eventFilter(QObject* watched, QEvent* event) {
         return false;
     const auto* const key = static_cast<QKeyEvent*>(event);
     const auto modifiers = key->modifiers() & ~Qt::KeypadModifier; // arrows of some layouts have it
-    const FocusContext focus = focusContext();
     const auto pressed = static_cast<Qt::Key>(key->key());
+    const FocusContext focus = contextOf(pressed);
     if (isOverride) {
         // Says beforehand that no menu shall have the key.
         const KeyAction action =

@@ -45,6 +45,11 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     auto* const menus = new Menus(player, updates, *menuBar(), *this);
     connect(menus, &Menus::quitRequested, this, &MainWindow::quitRequested);
     connect(menus, &Menus::settingsRequested, this, &MainWindow::showSettings);
+    connect(menus, &Menus::showPlayingRequested, this, [this] {
+        if (!player_.settings().showPlaylist)
+            player_.togglePlaylistVisible();
+        playlist_->list().showPlayingTrack();
+    });
     connect(panel_, &PlayerPanel::settingsRequested, this, &MainWindow::showSettings);
     auto* const column = new QVBoxLayout(content_);
     column->setContentsMargins(0, 0, 0, 0);
@@ -60,7 +65,7 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
             [this] { loadPlaylistFile(player_, this); });
     connect(playlist_, &PlaylistArea::saveRequested, this,
             [this](const QUuid& playlist) { savePlaylistFile(player_, playlist, this); });
-    connect(playlist_, &PlaylistArea::showFileRequested, this, &showInFileManager);
+    connect(playlist_, &PlaylistArea::showFileRequested, this, &MainWindow::showFileRequested);
     connect(playlist_, &PlaylistArea::editTagsRequested, this, &MainWindow::editTags);
     new KeyFilter(player, this);
     connect(&player, &PlayerController::playingTrackChanged, this, &MainWindow::refreshTitle);

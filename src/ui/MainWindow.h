@@ -39,7 +39,8 @@ class MainWindow final : public QMainWindow, public PlayerWindow {
   Q_SIGNALS:
     void closeRequested(); ///< the window was closed, and is hidden unless someone quits
     void quitRequested();
-    void shownFirst(); ///< it has been painted for the first time
+    void shownFirst();                           ///< it has been painted for the first time
+    void showFileRequested(const QString& path); ///< in the file manager
 
   protected:
     void closeEvent(QCloseEvent* event) override;

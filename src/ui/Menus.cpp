@@ -98,6 +98,8 @@ void Menus::fillView(QMenuBar& bar) {
                         [this] { player_.togglePlaylistVisible(); });
     add(menu, tr("Next Visualization"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V), this,
         [this] { player_.cycleVisualization(); });
+    showPlaying_ = add(menu, tr("Show Playing Track"), QKeySequence(Qt::CTRL | Qt::Key_J), this,
+                       [this] { Q_EMIT showPlayingRequested(); });
     menu.addSeparator();
     fullScreen_ = add(menu, tr("Full Screen"), QKeySequence(Qt::Key_F11), this,
                       [this] { player_.setFullScreen(!player_.fullscreenActive()); });
@@ -138,6 +140,7 @@ void Menus::refresh() {
     showPlaylist_->setText(player_.settings().showPlaylist ? tr("Hide Playlist")
                                                            : tr("Show Playlist"));
     showPlaylist_->setEnabled(!player_.fullscreenActive());
+    showPlaying_->setEnabled(player_.playingPlaylistID().has_value());
     fullScreen_->setChecked(player_.fullscreenActive());
     const bool isLoaded = player_.playback().isLoaded();
     playPause_->setText(player_.playback().isPlaying() ? tr("Pause") : tr("Play"));

@@ -21,6 +21,7 @@ class Menus final : public QObject {
   Q_SIGNALS:
     void quitRequested();
     void settingsRequested();
+    void showPlayingRequested();
 
   private:
     void fillFile(QMenuBar& bar);
@@ -37,6 +38,7 @@ class Menus final : public QObject {
     QAction* undoRemove_ = nullptr;
     QList<QAction*> editing_;
     QAction* showPlaylist_ = nullptr;
+    QAction* showPlaying_ = nullptr;
     QAction* fullScreen_ = nullptr;
     QAction* playPause_ = nullptr;
     QAction* stop_ = nullptr;

@@ -1,4 +1,5 @@
 """A desktop of a test's own: screen, session bus, folders, and the program on it."""
+import itertools
 import json
 import os
 import signal
@@ -78,13 +79,16 @@ class Program:
         output, errors = process.communicate(timeout=LONGEST)
         return process.returncode, output, errors
 
-    def settings(self, **values):
-        """Writes a state file with these settings."""
+    def settings(self, playlists=(("List", ()),), **values):
+        """Writes a state file with these settings and playlists: names, and paths."""
+        ids = (f"00000000-0000-4000-8000-{number:012}" for number in itertools.count(1))
+        lists = [{"id": next(ids), "name": name,
+                  "tracks": [{"id": next(ids), "path": path, "artist": "",
+                              "title": os.path.splitext(os.path.basename(path))[0]}
+                             for path in paths]} for name, paths in playlists]
         os.makedirs(os.path.dirname(self.state), exist_ok=True)
         with open(self.state, "w", encoding="utf-8") as file:
-            json.dump({"playlists": [{"id": "00000000-0000-4000-8000-000000000001",
-                                      "name": "List", "tracks": []}],
-                       "settings": values}, file)
+            json.dump({"playlists": lists, "settings": values}, file)
 
     def saved(self):
         with open(self.state, encoding="utf-8") as file:

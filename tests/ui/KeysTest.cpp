@@ -13,7 +13,7 @@ namespace {
 
 class KeysTest : public WindowTest {
   protected:
-    enum class Focus { List, ButtonByTab, SliderByClick, SliderByTab, Field };
+    enum class Focus { List, ListByTab, ButtonByTab, SliderByClick, SliderByTab, Field };
 
     void openWith(Focus focus) {
         open();
@@ -26,6 +26,9 @@ class KeysTest : public WindowTest {
         switch (focus) {
         case Focus::List:
             return window->findChild<QListView*>()->setFocus();
+        case Focus::ListByTab:
+            tabTo(find("Stop"));
+            return tabTo(window->findChild<QListView*>());
         case Focus::ButtonByTab:
             return tabTo(find("Stop"));
         case Focus::SliderByClick:
@@ -51,6 +54,7 @@ TEST_F(KeysTest, GoWhereTheFocusWantsThem) {
         Qt::Key key;
         const char* what;
     } kCases[] = {
+        {ListByTab, Qt::Key_Down, "row"},      {ListByTab, Qt::Key_Left, "back"},
         {List, Qt::Key_Space, "pause"},        {List, Qt::Key_Right, "forward"},
         {List, Qt::Key_Left, "back"},          {List, Qt::Key_Up, "louder"},
         {List, Qt::Key_Down, "softer"},        {ButtonByTab, Qt::Key_Space, "pause"},
@@ -75,6 +79,8 @@ TEST_F(KeysTest, GoWhereTheFocusWantsThem) {
             what += time > 10 ? "forward" : "back";
         if (volume != 0.5)
             what += volume > 0.5 ? "louder" : "softer";
+        if (window->findChild<QListView*>()->currentIndex().row() > 0)
+            what += "row";
         if (controller->settings().pan != 0)
             what += "slider";
         if (field->text() != QLatin1String("ab"))

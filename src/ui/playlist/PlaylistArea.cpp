@@ -19,7 +19,7 @@ PlaylistArea::PlaylistArea(PlayerController& player, Clock& clock, QWidget* pare
     : QWidget(parent)
     , player_(player)
     , missing_(new MissingFiles(clock, queue, this))
-    , tabs_(new TabsBar(player, this))
+    , tabs_(new TabsBar(player, clock, this))
     , toolbar_(new PlaylistToolbar(player, this))
     , list_(new TrackListView(player, clock, *missing_, this)) {
     auto* const column = new QVBoxLayout(this);
@@ -53,7 +53,6 @@ void PlaylistArea::addShortcuts() {
     add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), [this] { tabs_->step(-1); });
     add(QKeySequence(Qt::CTRL | Qt::Key_W),
         [this] { askToClose(player_, player_.activePlaylistID(), this); });
-    add(QKeySequence(Qt::CTRL | Qt::Key_J), [this] { list_->showPlayingTrack(); });
     add(QKeySequence::Find, [this] {
         toolbar_->search().setFocus(Qt::ShortcutFocusReason);
         toolbar_->search().selectAll();

@@ -71,6 +71,14 @@ void SearchField::changeEvent(QEvent* event) {
         place();
 }
 
+bool SearchField::event(QEvent* event) {
+    // An empty field has no claim on it: what was found and removed comes back.
+    if (event->type() == QEvent::ShortcutOverride && text().isEmpty() &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo))
+        return false;
+    return QLineEdit::event(event);
+}
+
 void SearchField::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Escape:

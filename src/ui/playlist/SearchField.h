@@ -21,6 +21,7 @@ class SearchField final : public QLineEdit {
     void left(bool toResults); ///< by Return or an arrow down, or by Escape
 
   protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;

@@ -77,11 +77,31 @@ void TabRow::refresh() {
         if (tabText(index) != text)
             setTabText(index, text);
         const bool cut = metrics.horizontalAdvance(name) > kWidest - 2 * kSides;
-        setTabToolTip(index, cut ? name.toHtmlEscaped() : QString());
+        setTabToolTip(index, cut ? tipText(name) : QString());
     }
     setCurrentIndex(
         static_cast<int>(player_.playlistIndex(player_.activePlaylistID()).value_or(0)));
     update();
+}
+
+bool TabRow::event(QEvent* event) {
+    const bool isUsed = QTabBar::event(event);
+    // What Qt paints anew is the place of the tab when the pointer came to it; it may have moved.
+    switch (event->type()) {
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+    case QEvent::HoverLeave:
+        if (const int now = hoveredTab(); std::exchange(hovered_, now) != now)
+            update();
+        break;
+    default:
+        break;
+    }
+    return isUsed;
+}
+
+int TabRow::hoveredTab() const {
+    return underMouse() ? tabAt(mapFromGlobal(QCursor::pos())) : -1;
 }
 
 QSize TabRow::tabSizeHint(int index) const {
@@ -96,8 +116,11 @@ std::optional<QUuid> TabRow::playlistAt(const QPoint& at) const {
     return index < 0 ? std::nullopt : std::optional(player_.playlistAt(index).id);
 }
 
-void TabRow::markTarget(int index) {
-    if (std::exchange(target_, index) != index)
+void TabRow::markTarget(Mark mark, int index) {
+    const bool isSame = mark == mark_ && index == target_;
+    mark_ = mark;
+    target_ = index;
+    if (!isSame)
         update();
 }
 
@@ -107,8 +130,8 @@ void TabRow::paintTab(QPainter& painter, int index) const {
     const QRectF area(pixels.x() / scale, 0, pixels.width() / scale, height() / scale);
     const QRectF body = crisp(painter, area.adjusted(0, 3, -kGap, 0));
     const bool chosen = index == currentIndex();
-    const bool hovered = underMouse() && pixels.contains(mapFromGlobal(QCursor::pos()));
-    const bool targeted = index == target_;
+    const bool hovered = index == hoveredTab();
+    const Mark mark = index == target_ ? mark_ : Mark::None;
     const QPainterPath shape = tabShape(body);
     painter.fillPath(shape, chosen ? Theme::listBlack
                                    : Theme::faded(hovered ? Theme::steelLight : Theme::steel,
@@ -116,9 +139,13 @@ void TabRow::paintTab(QPainter& painter, int index) const {
     if (chosen)
         painter.fillPath(shape.intersected(tabShape({body.left(), body.top(), body.width(), 2})),
                          Theme::green);
-    if (targeted) {
+    if (mark == Mark::Tab) {
         painter.fillPath(shape, Theme::faded(Theme::green, 0.16));
         strokeInside(painter, body.adjusted(0, 0, 0, -1), kRadius, Theme::green);
+    }
+    if (mark == Mark::Before || mark == Mark::After) {
+        const double x = mark == Mark::Before ? area.left() : area.right() - kGap;
+        painter.fillRect(QRectF(x + 1, body.top(), 2, body.height()), Theme::green);
     }
     if (hovered)
         drawIcon(painter, Icon::Handle, {body.left() + 4, body.center().y() - 6, 12, 12},

@@ -18,9 +18,10 @@ class TabRow final : public QTabBar {
 
     /// The playlist of the tab at a place of this widget.
     std::optional<QUuid> playlistAt(const QPoint& at) const;
-    /// The tab that something is dragged over; -1 for none.
-    void markTarget(int index);
-    int target() const { return target_; }
+    enum class Mark { None, Tab, Before, After };
+    /// Marks a tab that something is dragged over, or the side of it where a tab would go.
+    void markTarget(Mark mark, int index = -1);
+    int target() const { return target_; } ///< -1 for none
     /// Of all tabs, in pixels.
     int tabsWidth() const { return tabRect(count() - 1).right() + 1; }
 
@@ -29,6 +30,7 @@ class TabRow final : public QTabBar {
     void closeRequested(const QUuid& playlist);
 
   protected:
+    bool event(QEvent* event) override;
     QSize tabSizeHint(int index) const override;
     QSize minimumTabSizeHint(int index) const override { return tabSizeHint(index); }
     void paintEvent(QPaintEvent* event) override;
@@ -42,11 +44,14 @@ class TabRow final : public QTabBar {
   private:
     void refresh();
     void paintTab(QPainter& painter, int index) const;
+    int hoveredTab() const; ///< -1 for none
     void startDrag(int index);
 
     PlayerController& player_;
     std::optional<QPoint> pressedAt_;
+    Mark mark_ = Mark::None;
     int target_ = -1;
+    int hovered_ = -1; ///< as it is painted
 };
 
 } // namespace quorel

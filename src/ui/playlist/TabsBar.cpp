@@ -3,6 +3,7 @@
 #include "player/PlayerController.h"
 #include "ui/controls/PanelButton.h"
 #include "ui/playlist/DragContent.h"
+#include "ui/playlist/PlaylistAutoScroller.h"
 #include "ui/playlist/Questions.h"
 #include "ui/playlist/RenameField.h"
 #include "ui/playlist/TabMenu.h"
@@ -25,6 +26,7 @@ constexpr double kMargin = 10;
 constexpr double kAddSize = 24;
 constexpr double kGhostWidth = 116;
 constexpr double kFade = 28;
+constexpr std::chrono::nanoseconds kScrollStep(1'000'000'000 / 60);
 
 QString shortcutText(int key) {
     return QKeySequence(Qt::CTRL | key).toString(QKeySequence::NativeText);
@@ -54,9 +56,10 @@ class EdgeFade final : public QWidget {
 
 } // namespace
 
-TabsBar::TabsBar(PlayerController& player, QWidget* parent)
+TabsBar::TabsBar(PlayerController& player, Clock& clock, QWidget* parent)
     : QWidget(parent)
     , player_(player)
+    , clock_(clock)
     , window_(new QWidget(this))
     , row_(new TabRow(player, window_))
     , fades_{new EdgeFade(false, window_), new EdgeFade(true, window_)}
@@ -89,7 +92,8 @@ QSize TabsBar::minimumSizeHint() const {
 void TabsBar::place() {
     const QSize add = add_->sizeHint();
     const int left = px(kMargin);
-    const int room = std::max(width() - left - px(kMargin) - add.width(), 1);
+    const int end = ghost_ ? px(kGhostWidth) : add.width();
+    const int room = std::max(width() - left - px(kMargin) - end, 1);
     const int tabs = row_->tabsWidth();
     window_->setGeometry(left, 0, std::min(room, tabs), height());
     offset_ = std::clamp(offset_, 0, std::max(tabs - window_->width(), 0));
@@ -103,8 +107,9 @@ void TabsBar::place() {
     if (field_) {
         const auto index = player_.playlistIndex(field_->property("playlist").toUuid());
         if (index)
-            field_->setGeometry(
-                row_->tabRect(static_cast<int>(*index)).adjusted(0, px(4), -px(4), -px(2)));
+            field_->setGeometry(row_->tabRect(static_cast<int>(*index))
+                                    .translated(row_->pos())
+                                    .adjusted(0, px(4), -px(4), -px(2)));
     }
     update();
 }
@@ -153,7 +158,7 @@ void TabsBar::rename(const QUuid& playlist) {
     const Playlist* const record = player_.findPlaylist(playlist);
     if (!record)
         return;
-    field_ = new RenameField(record->name, row_);
+    field_ = new RenameField(record->name, window_); // screen readers see only tabs in a tab bar
     field_->setProperty("playlist", playlist);
     connect(field_, &RenameField::renamed, this,
             [this, playlist](const QString& name) { player_.renamePlaylist(playlist, name); });
@@ -200,11 +205,31 @@ bool TabsBar::canDrop(const QMimeData& dragged, int index) const {
     return hasFiles(dragged);
 }
 
-void TabsBar::setDropIndex(std::optional<int> index, bool isTab) {
-    const bool atEnd = index == row_->count();
-    ghost_ = atEnd && !isTab;
-    row_->markTarget(index ? (atEnd ? (isTab ? row_->count() - 1 : -1) : *index) : -1);
-    add_->setVisible(!ghost_);
+void TabsBar::showFileTarget(int index) {
+    const bool onTab = index < row_->count();
+    setGhost(!onTab);
+    row_->markTarget(onTab ? TabRow::Mark::Tab : TabRow::Mark::None, onTab ? index : -1);
+}
+
+void TabsBar::showTabTarget(const QUuid& tab, int index) {
+    const auto from = static_cast<int>(player_.playlistIndex(tab).value_or(0));
+    const int to = std::min(index, row_->count() - 1);
+    if (to == from)
+        row_->markTarget(TabRow::Mark::None);
+    else
+        row_->markTarget(to < from ? TabRow::Mark::Before : TabRow::Mark::After, to);
+}
+
+void TabsBar::showNoTarget() {
+    setGhost(false);
+    row_->markTarget(TabRow::Mark::None);
+}
+
+void TabsBar::setGhost(bool shown) {
+    if (std::exchange(ghost_, shown) == shown)
+        return;
+    add_->setVisible(!shown);
+    place();
     update();
 }
 
@@ -214,25 +239,54 @@ void TabsBar::dragEnterEvent(QDragEnterEvent* event) {
         event->acceptProposedAction();
 }
 
+bool TabsBar::dragOver(const QMimeData& dragged, const QPoint& at) {
+    const int index = dropIndexAt(at);
+    if (const auto* const tab = qobject_cast<const DraggedPlaylist*>(&dragged)) {
+        showTabTarget(tab->id(), index);
+    } else if (canDrop(dragged, index)) {
+        showFileTarget(index);
+    } else {
+        showNoTarget();
+        return false;
+    }
+    return true;
+}
+
 void TabsBar::dragMoveEvent(QDragMoveEvent* event) {
-    const int index = dropIndexAt(event->position().toPoint());
-    const bool can = canDrop(*event->mimeData(), index);
-    setDropIndex(can ? std::optional(index) : std::nullopt,
-                 qobject_cast<const DraggedPlaylist*>(event->mimeData()) != nullptr);
-    if (can)
+    dragged_ = event->mimeData();
+    draggedAt_ = event->position().toPoint();
+    if (dragOver(*dragged_, draggedAt_))
         event->acceptProposedAction();
     else
         event->ignore();
+    if (!scrolling_ && window_->width() < row_->width())
+        scrolling_ =
+            clock_.startTimer(kScrollStep, Clock::Repeat::Always, [this] { scrollStep(); });
+}
+
+void TabsBar::scrollStep() {
+    const double speed = PlaylistAutoScroller::speedAt((draggedAt_.x() - window_->x()) / uiScale(),
+                                                       window_->width() / uiScale());
+    const int before = offset_;
+    scrollTo(offset_ + qRound(speed * uiScale()));
+    if (offset_ != before && dragged_)
+        dragOver(*dragged_, draggedAt_);
+}
+
+void TabsBar::endDragOver() {
+    scrolling_.reset();
+    dragged_.clear();
+    showNoTarget();
 }
 
 void TabsBar::dragLeaveEvent(QDragLeaveEvent*) {
-    setDropIndex(std::nullopt, false);
+    endDragOver();
 }
 
 void TabsBar::dropEvent(QDropEvent* event) {
-    setDropIndex(std::nullopt, false);
     const QMimeData& dragged = *event->mimeData();
     const int index = dropIndexAt(event->position().toPoint());
+    endDragOver();
     if (!canDrop(dragged, index))
         return;
     event->acceptProposedAction();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/Clock.h"
+
 #include <QPointer>
 #include <QUuid>
 #include <QWidget>
@@ -14,14 +16,16 @@ class RenameField;
 class TabRow;
 class TransportButton;
 
-/// The strip of playlist tabs with the button for a new one. It scrolls where they do not fit.
+/// The strip of playlist tabs with the button for a new one. It scrolls where they do not fit, by
+/// itself while something is dragged over its ends.
 /// Files dropped on a tab go to its playlist, those dropped on the free end to a new one; a tab
 /// dropped on another takes its place.
 class TabsBar final : public QWidget {
     Q_OBJECT
 
   public:
-    explicit TabsBar(PlayerController& player, QWidget* parent = nullptr);
+    /// Player and clock outlive it.
+    TabsBar(PlayerController& player, Clock& clock, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -57,9 +61,17 @@ class TabsBar final : public QWidget {
     /// The tab there, the number of tabs for the free end.
     int dropIndexAt(const QPoint& at) const;
     bool canDrop(const QMimeData& dragged, int index) const;
-    void setDropIndex(std::optional<int> index, bool isTab);
+    void showFileTarget(int index);
+    void showTabTarget(const QUuid& tab, int index);
+    void showNoTarget();
+    void setGhost(bool shown);
+    /// Whether it may be dropped there.
+    bool dragOver(const QMimeData& dragged, const QPoint& at);
+    void scrollStep();
+    void endDragOver();
 
     PlayerController& player_;
+    Clock& clock_;
     QWidget* window_; ///< what is seen of the tabs
     TabRow* row_;
     QWidget* fades_[2]; ///< over the ends where more tabs follow
@@ -67,6 +79,10 @@ class TabsBar final : public QWidget {
     QPointer<RenameField> field_;
     int offset_ = 0; ///< pixels scrolled
     bool ghost_ = false;
+
+    QPointer<const QMimeData> dragged_; ///< over it
+    QPoint draggedAt_;
+    std::unique_ptr<Timer> scrolling_;
 };
 
 } // namespace quorel

@@ -5,6 +5,7 @@
 #include "player/PlayerController.h"
 #include "ui/playlist/MissingFiles.h"
 #include "ui/playlist/TrackListModel.h"
+#include "ui/playlist/TrackMenu.h"
 #include "ui/texts/Texts.h"
 #include "ui/theme/Icons.h"
 #include "ui/theme/StylePainting.h"
@@ -150,9 +151,8 @@ bool TrackDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
                               const QStyleOptionViewItem& option, const QModelIndex& index) {
     if (event->type() != QEvent::ToolTip)
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    // What is in a tag is no mark-up.
-    const QString text = toolTip(index, option.rect.width()).toHtmlEscaped();
-    QToolTip::showText(event->globalPos(), text, view->viewport(), option.rect);
+    QToolTip::showText(event->globalPos(), tipText(toolTip(index, option.rect.width())),
+                       view->viewport(), option.rect);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "ui/playlist/TrackListModel.h"
 #include "ui/playlist/TrackListView.h"
 #include "ui/texts/Texts.h"
+#include "ui/theme/FocusVisible.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -34,7 +35,8 @@ void TrackListView::goTo(int row, bool extend) {
 }
 
 void TrackListView::enterByKeyboard() {
-    setFocus(Qt::OtherFocusReason);
+    beginFocusWalk();
+    setFocus(Qt::TabFocusReason);
     goTo(std::max(currentIndex().row(), 0), false);
 }
 

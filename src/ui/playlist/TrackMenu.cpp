@@ -14,6 +14,10 @@ QString menuText(QString name) {
     return name.replace(u'&', QLatin1String("&&"));
 }
 
+QString tipText(const QString& text) {
+    return text.isEmpty() ? text : QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped());
+}
+
 TrackMenu::TrackMenu(PlayerController& player, const Track* track, bool fileIsMissing,
                      QWidget* parent)
     : QMenu(parent) {

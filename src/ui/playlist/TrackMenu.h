@@ -33,4 +33,7 @@ QIcon menuIcon(Icon icon, const QWidget& widget);
 /// A name as part of a menu's text: its ampersands mark no key.
 QString menuText(QString name);
 
+/// A text as a tooltip, in several lines where it is long: it is no mark-up.
+QString tipText(const QString& text);
+
 } // namespace quorel

@@ -10,6 +10,14 @@ namespace {
 
 bool walking = false;
 
+void set(bool now) {
+    if (walking == now)
+        return;
+    walking = now;
+    if (QWidget* widget = QApplication::focusWidget())
+        widget->update();
+}
+
 class Watch final : public QObject {
   public:
     using QObject::QObject;
@@ -20,20 +28,12 @@ class Watch final : public QObject {
         if (event->type() == QEvent::MouseButtonPress) {
             set(false);
         } else if (event->type() == QEvent::KeyPress) {
-            const int key = static_cast<const QKeyEvent*>(event)->key();
-            if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+            const auto& pressed = *static_cast<const QKeyEvent*>(event);
+            const bool isTab = pressed.key() == Qt::Key_Tab || pressed.key() == Qt::Key_Backtab;
+            if (isTab && !pressed.modifiers().testFlag(Qt::ControlModifier))
                 set(true);
         }
         return false;
-    }
-
-  private:
-    static void set(bool now) {
-        if (walking == now)
-            return;
-        walking = now;
-        if (QWidget* widget = QApplication::focusWidget())
-            widget->update();
     }
 };
 
@@ -46,6 +46,10 @@ void watchKeyboardFocus(QApplication& application) {
     watch = new Watch(&application);
     application.installEventFilter(watch);
     QObject::connect(watch, &QObject::destroyed, [] { watch = nullptr; });
+}
+
+void beginFocusWalk() {
+    set(true);
 }
 
 bool showsFocusRing(const QWidget* widget) {

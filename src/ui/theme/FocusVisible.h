@@ -9,6 +9,9 @@ namespace quorel {
 /// button ends that.
 void watchKeyboardFocus(QApplication& application);
 
+/// As if Tab had been pressed: another key is about to move the focus.
+void beginFocusWalk();
+
 /// Whether the widget has the focus and got there in a walk by Tab: only then is a ring of use.
 bool showsFocusRing(const QWidget* widget);
 

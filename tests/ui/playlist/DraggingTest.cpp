@@ -151,6 +151,29 @@ TEST_F(DraggingTest, TheListScrollsUnderADragAtItsEdge) {
     EXPECT_EQ(bar.value(), value) << "the drag has ended";
 }
 
+TEST_F(DraggingTest, TheStripScrollsUnderADragAtItsEnds) {
+    show({"A", "B", "C", "D", "E", "F", "G", "H", "I", "J"});
+    const auto dragged = files({"one.mp3"});
+    const auto tab = [this](int index) { return tabs().tabRect(index).translated(tabs().pos()); };
+    const auto dragOver = [&](int x) {
+        EXPECT_TRUE(dragTo(&area->tabs(), {x, 20}, *dragged));
+        clock.advance(std::chrono::seconds(3));
+    };
+    dragOver(area->tabs().width() - 20);
+    EXPECT_TRUE(area->tabs().showsGhost());
+    EXPECT_EQ(tab(9).right(), tabs().parentWidget()->rect().right()) << "beside the ghost";
+    dragOver(area->tabs().width() / 2);
+    EXPECT_LT(tab(0).left(), 0) << "not in the middle";
+    dragOver(12);
+    EXPECT_EQ(tab(0).left(), 0);
+    EXPECT_EQ(tabs().target(), 0) << "what is below the pointer now";
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(&area->tabs(), &leave);
+    area->tabs().step(-1);
+    clock.advance(std::chrono::seconds(3));
+    EXPECT_LT(tab(0).left(), 0) << "it has left";
+}
+
 TEST_F(DraggingTest, DraggedRowsAreFilesToOthers) {
     show({"AB"});
     const DraggedTracks dragged(list(), {idOf('A')},

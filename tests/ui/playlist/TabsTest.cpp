@@ -11,7 +11,7 @@ namespace quorel::test {
 class TabsTest : public AreaTest {
   protected:
     QString nameOf(qsizetype index) { return controller->playlistAt(index).name; }
-    RenameField* field() { return tabs().findChild<RenameField*>(); }
+    RenameField* field() { return area->tabs().findChild<RenameField*>(); }
     /// Begins renaming the first playlist and types that.
     void typeName(const char* name) {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -196,7 +196,7 @@ TEST_F(TrackListTest, PlayingTrackIsFoundWhereverItIs) {
     settle();
     controller->addPlaylist();
     controller->setSearchText(QStringLiteral("nothing like it"));
-    QTest::keyClick(&view(), Qt::Key_J, Qt::ControlModifier);
+    view().showPlayingTrack();
     EXPECT_EQ(controller->activePlaylistID(), list(0));
     EXPECT_EQ(controller->searchText(), QString());
     EXPECT_EQ(currentRow(), 80);
