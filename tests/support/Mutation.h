@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -8,7 +7,9 @@
 
 namespace quorel::test {
 
-double secondsSince(std::chrono::steady_clock::time_point start);
+/// The processor time that this thread has used, in seconds: what a bound on work is told by on a
+/// machine that others keep busy.
+double processorSeconds();
 
 /// The most memory that the process has ever had, in bytes.
 int64_t peakMemory();
