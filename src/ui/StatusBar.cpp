@@ -19,6 +19,8 @@ constexpr double kHeight = 28;
 constexpr double kMargin = 14;
 constexpr double kSpacing = 5;
 constexpr double kStopSize = 20;
+constexpr double kWarningWidth = 18;
+constexpr double kLeastFirstPart = 60; // of the text, when it is cut
 
 } // namespace
 
@@ -86,17 +88,26 @@ void StatusBar::refresh() {
     if (text == text_ && flags == flags_)
         return;
     text_ = text;
+    firstPart_ = parts.first().size();
     flags_ = flags;
     setAccessibleName(text_ + QStringLiteral(". ") + flags_.join(u' '));
     placeStop();
     update();
 }
 
+double StatusBar::textLeft() const {
+    return kMargin + (isWarning_ ? kWarningWidth : 0);
+}
+
+double StatusBar::textRight() const {
+    const std::vector<QRectF> chips = flagChips();
+    return chips.empty() ? baseRect(*this).right() - kMargin : chips.back().left() - 2 * kSpacing;
+}
+
 void StatusBar::placeStop() {
     const QFontMetricsF metrics(Theme::font(Theme::TextRole::Small));
-    const double left = kMargin + (isWarning_ ? 18 : 0) + metrics.horizontalAdvance(text_) + 4;
-    const QRectF area = baseRect(*this);
-    const double x = std::min(left, area.width() / 2);
+    const double x =
+        std::min(textLeft() + metrics.horizontalAdvance(text_) + 4, textRight() - kStopSize);
     stop_->setGeometry(qRound(x * uiScale()), qRound((kHeight - kStopSize) / 2 * uiScale()),
                        px(kStopSize), px(kStopSize));
 }
@@ -112,27 +123,41 @@ void StatusBar::changeEvent(QEvent* event) {
         placeStop();
 }
 
-/// From the right; returns where the free room ends.
-double StatusBar::paintFlags(QPainter& painter, const QRectF& area) const {
-    const QFont font = Theme::font(Theme::TextRole::Indicator);
-    const QFontMetricsF metrics(font);
-    painter.setFont(font);
+QString StatusBar::textFor(double room) const {
+    const QFontMetricsF metrics(Theme::font(Theme::TextRole::Small));
+    const QString rest = text_.mid(firstPart_);
+    const double left = room - metrics.horizontalAdvance(rest);
+    if (left < kLeastFirstPart)
+        return metrics.elidedText(text_, Qt::ElideRight, room);
+    return metrics.elidedText(text_.left(firstPart_), Qt::ElideRight, left) + rest;
+}
+
+std::vector<QRectF> StatusBar::flagChips() const {
+    const QRectF area = baseRect(*this);
+    const QFontMetricsF metrics(Theme::font(Theme::TextRole::Indicator));
+    std::vector<QRectF> chips;
     double right = area.right() - kMargin;
     for (qsizetype i = flags_.size() - 1; i >= 0; --i) {
-        const QString& flag = flags_.at(i);
-        const double width = metrics.horizontalAdvance(flag) + 12;
-        const QRectF chip(right - width, area.center().y() - 8, width, 16);
+        const double width = metrics.horizontalAdvance(flags_.at(i)) + 12;
+        chips.emplace_back(right - width, area.center().y() - 8, width, 16);
+        right -= width + kSpacing;
+        if (right < area.width() * 0.45)
+            break; // the rest would leave no room for the text
+    }
+    return chips;
+}
+
+void StatusBar::paintFlags(QPainter& painter) const {
+    painter.setFont(Theme::font(Theme::TextRole::Indicator));
+    qsizetype i = flags_.size();
+    for (const QRectF& chip : flagChips()) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(Theme::faded(Theme::gold, 0.08));
         painter.drawRoundedRect(crisp(painter, chip), 4, 4);
         strokeInside(painter, crisp(painter, chip), 4, Theme::faded(Theme::gold, 0.35));
         painter.setPen(Theme::gold);
-        painter.drawText(chip, Qt::AlignCenter, flag);
-        right -= width + kSpacing;
-        if (right < area.width() * 0.45)
-            break; // the rest would leave no room for the text
+        painter.drawText(chip, Qt::AlignCenter, flags_.at(--i));
     }
-    return right;
 }
 
 void StatusBar::paintEvent(QPaintEvent*) {
@@ -140,20 +165,16 @@ void StatusBar::paintEvent(QPaintEvent*) {
     const QRectF area = baseRect(*this);
     painter.fillRect(area, Theme::bg);
     paintSeparator(painter, area.topLeft(), area.topRight());
-    const double end = paintFlags(painter, area);
-    double left = area.left() + kMargin;
-    if (isWarning_) {
-        drawIcon(painter, Icon::Warning, {left, area.center().y() - 7, 14, 14}, Theme::gold);
-        left += 18;
-    }
-    const double right = stop_->isVisible() ? stop_->x() / uiScale() : end;
-    const QFont font = Theme::font(Theme::TextRole::Small);
-    painter.setFont(font);
+    paintFlags(painter);
+    const double left = textLeft();
+    if (isWarning_)
+        drawIcon(painter, Icon::Warning, {kMargin, area.center().y() - 7, 14, 14}, Theme::gold);
+    const double right = stop_->isVisible() ? stop_->x() / uiScale() - 4 : textRight();
+    const double room = std::max(right - left, 0.0);
+    painter.setFont(Theme::font(Theme::TextRole::Small));
     painter.setPen(Theme::textDim);
-    const double room = std::min(right, end) - left - kSpacing;
-    painter.drawText(QRectF(left, area.top(), std::max(room, 0.0), area.height()),
-                     Qt::AlignVCenter | Qt::AlignLeft,
-                     QFontMetricsF(font).elidedText(text_, Qt::ElideRight, room));
+    painter.drawText(QRectF(left, area.top(), room, area.height()),
+                     Qt::AlignVCenter | Qt::AlignLeft, textFor(room));
 }
 
 } // namespace quorel

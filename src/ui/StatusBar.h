@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <QWidget>
+#include <vector>
 
 namespace quorel {
 
@@ -32,12 +33,20 @@ class StatusBar final : public QWidget {
     void refresh();
     void placeStop();
     QString activityText() const;
-    double paintFlags(QPainter& painter, const QRectF& area) const;
+    /// Where the text, with the button that stops work, may begin and end.
+    double textLeft() const;
+    double textRight() const;
+    /// As much of the text as has room: its beginning, what plays, gives way first.
+    QString textFor(double room) const;
+    /// Of each flag that has room, from the right.
+    std::vector<QRectF> flagChips() const;
+    void paintFlags(QPainter& painter) const;
 
     PlayerController& player_;
     TransportButton* const stop_;
     bool isWarning_ = false;
     QString text_;
+    qsizetype firstPart_ = 0; ///< its length in the text
     QStringList flags_;
 };
 
