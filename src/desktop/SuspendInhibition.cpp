@@ -52,8 +52,11 @@ void SuspendInhibition::start(const QDBusConnection& bus) {
 }
 
 void SuspendInhibition::follow() {
-    if (isAsking_)
-        return; // the answer leads here again
+    if (isAsking_) {
+        isBehind_ = true; // the answer leads here again
+        return;
+    }
+    isBehind_ = false;
     const bool isPlaying = controller_.playback().isPlaying();
     if (isPlaying && !held_)
         inhibit(0);
@@ -70,10 +73,10 @@ void SuspendInhibition::inhibit(std::size_t service) {
                  return;
              }
              isAsking_ = false;
-             if (!cookie)
-                 return; // nobody there; asked again when it next plays
-             held_ = Held{service, *cookie};
-             follow();
+             if (cookie)
+                 held_ = Held{service, *cookie};
+             if (isBehind_) // else nobody is there, or it holds
+                 follow();
          });
 }
 

@@ -35,6 +35,7 @@ class SuspendInhibition {
     QDBusConnection bus_{QString()};
     QObject context_;       ///< of the connections and calls
     bool isAsking_ = false; ///< until the answer is there
+    bool isBehind_ = false; ///< something has changed since it was asked
     std::optional<Held> held_;
 };
 
