@@ -37,7 +37,7 @@ class AudioFileTest : public testing::TestWithParam<const char*> {
         return static_cast<int64_t>(got.size()) / 2;
     }
 
-    const TemporaryFolder folder;
+    const TemporaryFolder folder{};
     std::string path;
     std::unique_ptr<AudioFile> file;
     std::vector<float> whole;

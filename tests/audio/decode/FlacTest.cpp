@@ -48,8 +48,8 @@ const FlacCase kCases[] = {
     {"7.1", 8, 16, {}},
     {"tiny blocks", 1, 16, {"--blocksize=16", "--lax"}},
     {"large blocks", 2, 24, {"--blocksize=65535", "--lax"}},
-    {"total too short", 2, 16, {}, [](std::string b) { return withTotal(b, 1000); }},
-    {"total too long", 2, 16, {}, [](std::string b) { return withTotal(b, 9'000'000); }},
+    {"total too short", 2, 16, {}, [](std::string b) { return withTotal(std::move(b), 1000); }},
+    {"total too long", 2, 16, {}, [](std::string b) { return withTotal(std::move(b), 9'000'000); }},
     {"behind two ID3v2 tags", 2, 16, {}, behindId3},
     {"no total, before an ID3v1 tag", 2, 16, {}, beforeId3v1},
 };
