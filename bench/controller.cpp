@@ -90,9 +90,9 @@ class Bench {
               times([this] { player_.reset(); },
                     [this] {
                         player_ = std::make_unique<PlayerController>(
-                            PlayerController::Parts{.clock = clock_,
-                                                    .engine = std::make_unique<FakeEngine>(clock_),
-                                                    .stateFile = stateFile()});
+                            PlayerParts{.clock = clock_,
+                                        .engine = std::make_unique<FakeEngine>(clock_),
+                                        .stateFile = stateFile()});
                     }));
     }
 

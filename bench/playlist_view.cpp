@@ -46,10 +46,10 @@ struct Window {
         const QString file = pathFromBytes(folder.path("state.json"));
         Persistence(file).save(state);
         player = std::make_unique<PlayerController>(
-            PlayerController::Parts{.clock = clock,
-                                    .engine = std::make_unique<test::FakeEngine>(clock),
-                                    .stateFile = file,
-                                    .open = [](const TrackToOpen&) { return OpenedTrack(); }});
+            PlayerParts{.clock = clock,
+                        .engine = std::make_unique<test::FakeEngine>(clock),
+                        .stateFile = file,
+                        .open = [](const TrackToOpen&) { return OpenedTrack(); }});
         area = std::make_unique<PlaylistArea>(*player, clock);
         area->resize(560, 700);
         area->show();

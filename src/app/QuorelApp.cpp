@@ -102,9 +102,11 @@ void QuorelApp::open(const QStringList& paths) {
         player_.importPaths(paths, {.playFirst = true});
 }
 
-/// Launching again always works; a tray icon is more convenient.
+/// A window that nothing could bring back would leave a program behind that nobody can end.
 void QuorelApp::windowClosed() {
-    if (player_.settings().quitOnClose || !instance_.isFirst())
+    const bool comesBack = instance_.canBeFound() || (mpris_ && mpris_->isOffered()) ||
+                           QSystemTrayIcon::isSystemTrayAvailable();
+    if (player_.settings().quitOnClose || !comesBack)
         quit();
     else
         showTrayIcon();

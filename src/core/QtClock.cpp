@@ -52,28 +52,38 @@ std::unique_ptr<Timer> QtClock::startTimer(Duration interval, Repeat repeat,
 }
 
 void QtClock::post(std::function<void()> action) {
-    {
-        const std::lock_guard lock(mutex_);
-        posted_.push_back(std::move(action));
-        if (posted_.size() > 1) {
-            return; // the loop has been woken for the first one
-        }
+    const std::lock_guard lock(mutex_);
+    posted_.push_back(std::move(action));
+    if (posted_.size() == 1) { // else the loop has been woken already
+        const uint64_t one = 1;
+        [[maybe_unused]] const auto written = write(wake_, &one, sizeof one);
     }
-    const uint64_t one = 1;
-    [[maybe_unused]] const auto written = write(wake_, &one, sizeof one);
 }
 
+// One by one, as an action may turn a loop of its own, which then goes on with those behind it.
 void QtClock::runPosted() {
-    uint64_t count = 0;
-    [[maybe_unused]] const auto drained = read(wake_, &count, sizeof count);
-    std::vector<std::function<void()>> actions;
+    std::size_t left = 0;
     {
         const std::lock_guard lock(mutex_);
-        actions.swap(posted_);
+        left = posted_.size();
     }
-    for (const auto& action : actions) {
+    for (std::function<void()> action; left > 0 && takePosted(action); --left) {
         action();
     }
+}
+
+bool QtClock::takePosted(std::function<void()>& action) {
+    const std::lock_guard lock(mutex_);
+    if (posted_.empty()) {
+        return false;
+    }
+    action = std::move(posted_.front());
+    posted_.pop_front();
+    if (posted_.empty()) {
+        uint64_t count = 0;
+        [[maybe_unused]] const auto drained = read(wake_, &count, sizeof count);
+    }
+    return true;
 }
 
 } // namespace quorel

@@ -3,9 +3,9 @@
 #include "core/Clock.h"
 
 #include <QSocketNotifier>
+#include <deque>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 namespace quorel {
 
@@ -22,13 +22,14 @@ class QtClock final : public Clock {
 
   private:
     void runPosted();
+    bool takePosted(std::function<void()>& action);
 
     // Our own queue with a descriptor to wake the loop, where Qt's queued calls would do: its locks
     // are invisible to ThreadSanitizer, which has to watch over everything that is posted.
-    const int wake_;
+    const int wake_; ///< can be read while something is posted
     QSocketNotifier notifier_;
     std::mutex mutex_;
-    std::vector<std::function<void()>> posted_;
+    std::deque<std::function<void()>> posted_;
 };
 
 } // namespace quorel

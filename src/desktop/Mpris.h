@@ -22,6 +22,7 @@ class Mpris {
     /// Offers the player on the bus. Waits for the bus, so call it when the window has been drawn.
     /// Where there is no bus nothing happens.
     void start(QDBusConnection bus = QDBusConnection::sessionBus());
+    bool isOffered() const { return !name_.isEmpty(); }
 
   private:
     /// An interface and the values that were last told of it.

@@ -28,6 +28,8 @@ class SingleInstance : public QObject {
     ~SingleInstance() override;
 
     bool isFirst() const { return isFirst_; }
+    /// Whether further launches find this one.
+    bool canBeFound() const { return lock_.isOpen() && listener_.isOpen(); }
 
     /// Hands files over to the first. True when it has taken them. If not, then either it has ended
     /// meanwhile and this is now the first, or it did not answer within two seconds. Relative paths

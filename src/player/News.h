@@ -1,10 +1,14 @@
 #pragma once
 
+#include "core/Error.h"
+
 #include <QFlags>
+#include <functional>
+#include <optional>
 
 namespace quorel {
 
-// What PlayerController's signals tell of.
+// What PlayerController's signals and answers tell of.
 
 /// What a change of the settings concerns.
 enum class SettingsPart {
@@ -22,6 +26,9 @@ Q_DECLARE_FLAGS(SettingsParts, SettingsPart)
 Q_DECLARE_OPERATORS_FOR_FLAGS(SettingsParts)
 
 enum class KeyNudge { Volume, Seek };
+
+/// Hears, later, that a playlist file was read or written, or of the error why not.
+using PlaylistFileDone = std::function<void(const std::optional<Error>&)>;
 
 /// Long work in the background that the user may watch and stop.
 struct Activity {

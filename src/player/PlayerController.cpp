@@ -4,13 +4,14 @@
 
 namespace quorel {
 
-PlayerController::PlayerController(Parts parts)
+PlayerController::PlayerController(PlayerParts parts)
     : core_(std::make_unique<Core>(*this, std::move(parts))) {}
 
 PlayerController::~PlayerController() {
     if (core_->playback.playingTrack())
         core_->keepResumePoint();
     core_->saver.flush();
+    core_->writer.drain(); // of playlist files
     if (core_->isResuming)
         core_->resumeMark.clear();
 }
@@ -19,16 +20,8 @@ void PlayerController::start(bool resume) {
     const Core::Operation operation(*core_);
     core_->engine->openOutput(
         core_->outputOverride.value_or(core_->settings.outputDeviceUID.value_or(QString())));
-    if (resume)
-        core_->resume();
+    core_->resume(resume);
     core_->loader.load();
-}
-
-bool PlayerController::pumpQueues() {
-    bool worked = false;
-    for (SerialQueue* queue : {&core_->files, &core_->collecting, &core_->analysis, &core_->writer})
-        worked |= queue->pump();
-    return worked;
 }
 
 // --- What there is -------------------------------------------------------------------------------

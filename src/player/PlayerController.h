@@ -1,22 +1,18 @@
 #pragma once
 
-#include "audio/PlayerEngine.h"
 #include "core/Error.h"
-#include "core/SerialQueue.h"
 #include "media/tags/ID3Writer.h"
 #include "model/PersistedState.h"
 #include "player/FileImport.h"
 #include "player/KeyMap.h"
 #include "player/News.h"
 #include "player/PlaybackState.h"
+#include "player/PlayerParts.h"
 #include "player/PlayerWindow.h"
 #include "player/Selection.h"
-#include "player/TrackOpener.h"
 #include "player/TracksEdit.h"
-#include "storage/Persistence.h"
 
 #include <QObject>
-#include <future>
 #include <memory>
 
 namespace quorel {
@@ -31,30 +27,14 @@ class PlayerController : public QObject {
     Q_OBJECT
 
   public:
-    /// What the controller is built upon; the clock outlives it.
-    struct Parts {
-        Clock& clock;
-        std::unique_ptr<PlayerEngine> engine;
-        QString stateFile; ///< where Persistence keeps it; a mark may stand beside it
-        SerialQueue::Mode queues = SerialQueue::Mode::Threaded;
-        TrackOpener open = openTrack;
-        std::function<quint64()> random = {}; ///< the system's where it is empty
-        /// Takes the place of the settings' output device where it is there.
-        std::optional<QString> output = {};
-        /// The loading of the state file, where another thread has begun it.
-        std::future<LoadedState> loading = {};
-    };
-
     /// Loads the state file and applies its settings to the engine.
-    explicit PlayerController(Parts parts);
+    explicit PlayerController(PlayerParts parts);
     /// Writes what was not saved yet.
     ~PlayerController() override;
 
     /// What can wait until the views are there: opens the output, reads tags that are missing and,
     /// with `resume` and where the settings say so, plays on where the last session ended.
     void start(bool resume);
-    /// With pumped queues: carries out a task of each; false where none waits.
-    bool pumpQueues();
 
     // --- What there is ---------------------------------------------------------------------------
 
@@ -155,9 +135,10 @@ class PlayerController : public QObject {
     /// Collects what stands in and below these paths in the background and then adds it as said;
     /// what was asked for first comes first. Playlist files open as playlists of their own.
     void importPaths(const QStringList& paths, const ImportTarget& target);
-    /// The playlist file as a new tab; `done` hears of an error.
-    void loadPlaylist(const QString& file, std::function<void(std::optional<Error>)> done = {});
-    std::optional<Error> savePlaylist(const QUuid& id, const QString& file) const;
+    /// The playlist file as a new tab.
+    void loadPlaylist(const QString& file, PlaylistFileDone done = {});
+    /// Writes the playlist, as it is now, in the background.
+    void savePlaylist(const QUuid& id, const QString& file, PlaylistFileDone done = {});
     /// Stops the activity that is shown.
     void cancelActivity();
 

@@ -223,8 +223,7 @@ void PlayerController::importPaths(const QStringList& paths, const ImportTarget&
     core_->import.request(paths, resolved);
 }
 
-void PlayerController::loadPlaylist(const QString& file,
-                                    std::function<void(std::optional<Error>)> done) {
+void PlayerController::loadPlaylist(const QString& file, PlaylistFileDone done) {
     core_->collecting.post(
         SerialQueue::Priority::Ordinary,
         [file](const std::stop_token&) { return M3U8::importPlaylist(file); },
@@ -240,11 +239,22 @@ void PlayerController::loadPlaylist(const QString& file,
         });
 }
 
-std::optional<Error> PlayerController::savePlaylist(const QUuid& id, const QString& file) const {
+void PlayerController::savePlaylist(const QUuid& id, const QString& file, PlaylistFileDone done) {
     const Playlist* const playlist = findPlaylist(id);
-    if (!playlist || M3U8::exportPlaylist(*playlist, file))
-        return std::nullopt;
-    return Error{12, tr("The playlist could not be written to “%1”.").arg(pathForDisplay(file))};
+    if (!playlist)
+        return;
+    core_->writer.post(
+        SerialQueue::Priority::Ordinary,
+        [playlist = *playlist, file](const std::stop_token&) {
+            return M3U8::exportPlaylist(playlist, file);
+        },
+        [file, done = std::move(done)](bool written) {
+            if (done)
+                done(written
+                         ? std::nullopt
+                         : std::optional(Error{12, tr("The playlist could not be written to “%1”.")
+                                                       .arg(pathForDisplay(file))}));
+        });
 }
 
 void PlayerController::cancelActivity() {

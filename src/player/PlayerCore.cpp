@@ -22,7 +22,7 @@ std::function<quint64()> orSystems(std::function<quint64()> random) {
 
 } // namespace
 
-PlayerController::Core::Core(PlayerController& owner, Parts parts)
+PlayerController::Core::Core(PlayerController& owner, PlayerParts parts)
     : controller(owner)
     , clock(parts.clock)
     , engine(std::move(parts.engine))
@@ -69,8 +69,7 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
     , analyses(analysis, {.measured =
                               [this](const auto& result) {
                                   measured.push_back(result);
-                                  if (!saver.isUnderWay())
-                                      takeMeasured();
+                                  takeMeasured();
                               },
                           .progressed =
                               [this] {
@@ -78,7 +77,8 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
                                   changes.activity = true;
                               }})
     , resumeTimer(clock.startTimer(kResumeInterval, Clock::Repeat::Always, [this] {
-        if (playback.isPlaying())
+        // Each time the whole state is written: not where nobody will ask for it.
+        if (playback.isPlaying() && settings.resumeOnStartup)
             keepResumePoint();
     })) {
     applySettings(*engine, settings);
@@ -86,7 +86,7 @@ PlayerController::Core::Core(PlayerController& owner, Parts parts)
 }
 
 /// The state of the last session, all but the tabs put into place; a fresh one without it.
-PlaylistTabs PlayerController::Core::load(Parts& parts) {
+PlaylistTabs PlayerController::Core::load(PlayerParts& parts) {
     LoadedState begun =
         parts.loading.valid() ? parts.loading.get() : LoadedState::of(parts.stateFile);
     store = std::move(begun.file);

@@ -41,7 +41,7 @@ struct PlayerChanges {
 
 /// What the controller is made of: the records and the concerns, and how they are tied together.
 struct PlayerController::Core {
-    Core(PlayerController& owner, Parts parts);
+    Core(PlayerController& owner, PlayerParts parts);
 
     // --- Telling ---------------------------------------------------------------------------------
 
@@ -96,7 +96,7 @@ struct PlayerController::Core {
     void readingsApplied(const MetadataScan::Applied& applied);
     void keepResumePoint();
     void forgetResumePoint();
-    void resume();
+    void resume(bool wanted);
     void clearResumeMark();
     PersistedState snapshot() const;
 
@@ -151,7 +151,7 @@ struct PlayerController::Core {
     PlayerChanges changes;
 
   private:
-    PlaylistTabs load(Parts& parts);
+    PlaylistTabs load(PlayerParts& parts);
 };
 
 } // namespace quorel

@@ -18,12 +18,12 @@ void PlayerController::Core::forgetResumePoint() {
     resumePosition.reset();
 }
 
-void PlayerController::Core::resume() {
-    if (resumeMark.isSet()) {
-        clearResumeMark(); // the track ended the program last time
-        return;
-    }
-    if (!settings.resumeOnStartup || !resumePlaylistID || !resumeTrackID)
+void PlayerController::Core::resume(bool wanted) {
+    const bool hasEndedProgram = resumeMark.isSet(); // the track did, last time
+    if (hasEndedProgram)
+        clearResumeMark();
+    if (hasEndedProgram || !wanted || !settings.resumeOnStartup || !resumePlaylistID ||
+        !resumeTrackID)
         return;
     resumeMark.set();
     isResuming = true;
@@ -59,6 +59,8 @@ void PlayerController::Core::measure() {
 }
 
 void PlayerController::Core::takeMeasured() {
+    if (saver.isUnderWay())
+        return; // its end leads here again
     const Operation operation(*this);
     for (const TrackAnalyses::Result& result : std::exchange(measured, {})) {
         const auto place = placeOf(result.task.track);

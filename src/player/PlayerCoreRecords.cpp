@@ -79,6 +79,8 @@ void PlayerController::Core::listEdited(TrackList& list, const TracksEdit& edit,
     }
     playback.edited(list, edit, cursorRow);
     changes.transport = true; // what may follow
+    if (playback.playingTrack())
+        measure(); // what follows
     changes.edits.push_back({list.id(), edit});
     saver.changed();
 }

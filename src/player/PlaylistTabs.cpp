@@ -25,8 +25,11 @@ PlaylistTabs::PlaylistTabs(QList<Playlist> playlists, const std::optional<QUuid>
     if (playlists.isEmpty())
         playlists += firstPlaylist();
     lists_.reserve(std::size_t(playlists.size()));
-    for (Playlist& playlist : playlists)
+    for (Playlist& playlist : playlists) {
+        if (indexOf(playlist.id)) // somebody has edited the file
+            playlist.id = QUuid::createUuid();
         lists_.emplace_back(std::move(playlist));
+    }
     active_ = indexOf(active) ? *active : lists_.front().id();
 }
 

@@ -12,16 +12,17 @@ void SaveSchedule::changed() {
     proceed();
 }
 
-void SaveSchedule::ended(quint64 save) {
+void SaveSchedule::ended(quint64 save, bool succeeded) {
     if (underWay_ != save)
         return;
     underWay_.reset();
+    hasFailed_ = !succeeded;
     proceed();
 }
 
 void SaveSchedule::flush() {
     waitForSave();
-    if (firstChange_) {
+    if (firstChange_ || hasFailed_) {
         start();
         waitForSave();
     }
@@ -52,6 +53,7 @@ void SaveSchedule::proceed() {
 
 void SaveSchedule::start() {
     firstChange_.reset();
+    hasFailed_ = false;
     underWay_ = ++newest_;
     actions_.start(newest_);
 }

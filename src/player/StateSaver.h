@@ -34,11 +34,11 @@ class StateSaver {
         writer_.post(
             SerialQueue::Priority::Ordinary,
             [&store = store_, state = events_.snapshot()](const std::stop_token&) {
-                store.save(state);
+                return store.save(state);
             },
-            [this, save] {
+            [this, save](bool succeeded) {
                 --underWay_;
-                schedule_.ended(save);
+                schedule_.ended(save, succeeded);
                 events_.ended();
             });
     }

@@ -30,13 +30,9 @@ struct TracksEdit {
     std::vector<RowRange> ranges = {};
     qsizetype gap = 0;
 
-    static constexpr std::size_t kMostRanges = 32;
-
     bool operator==(const TracksEdit&) const = default;
 
     explicit operator bool() const { return kind != Kind::Nothing; }
-    /// So scattered that views had better begin anew.
-    bool isReset() const { return ranges.size() > kMostRanges; }
     bool removes(qsizetype row) const;
     /// Where the gap before that row is after the edit.
     qsizetype gapAfter(qsizetype row) const;

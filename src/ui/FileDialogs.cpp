@@ -31,11 +31,16 @@ QString pathOf(const QString& fileName) {
     return pathFromBytes(QFile::encodeName(fileName));
 }
 
-void tell(QWidget* parent, const Error& error) {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Quorel"), error.description,
-                    QMessageBox::Ok, parent);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+/// Tells of an error while `parent` is there.
+PlaylistFileDone teller(QWidget* parent) {
+    return [parent = QPointer(parent)](const std::optional<Error>& error) {
+        if (!error || !parent)
+            return;
+        QMessageBox box(QMessageBox::Warning, QStringLiteral("Quorel"), error->description,
+                        QMessageBox::Ok, parent);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
+    };
 }
 
 } // namespace
@@ -57,11 +62,7 @@ void loadPlaylistFile(PlayerController& player, QWidget* parent) {
     if (name.isEmpty())
         return;
     lastFolder() = QFileInfo(name).absolutePath();
-    player.loadPlaylist(pathOf(name),
-                        [parent = QPointer(parent)](const std::optional<Error>& error) {
-                            if (error)
-                                tell(parent, *error);
-                        });
+    player.loadPlaylist(pathOf(name), teller(parent));
 }
 
 void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* parent) {
@@ -75,8 +76,7 @@ void savePlaylistFile(PlayerController& player, const QUuid& playlist, QWidget* 
     if (dialog.exec() != QDialog::Accepted)
         return;
     lastFolder() = dialog.directory().absolutePath();
-    if (const auto error = player.savePlaylist(playlist, pathOf(dialog.selectedFiles().front())))
-        tell(parent, *error);
+    player.savePlaylist(playlist, pathOf(dialog.selectedFiles().front()), teller(parent));
 }
 
 } // namespace quorel

@@ -116,8 +116,14 @@ TEST_P(SingleInstanceTest, ofTenLaunchesOneReceivesTheFilesOfNine) {
     EXPECT_EQ(paths.size(), 9) << "the files of one came twice";
 }
 
+TEST_P(SingleInstanceTest, whereItCannotSayWhereItIsItCannotBeFound) {
+    const SingleInstance lost(pathFromBytes(home_.path("no/folder/quorel-data.json")));
+    EXPECT_TRUE(lost.isFirst() && !lost.canBeFound());
+}
+
 TEST_P(SingleInstanceTest, filesArriveSoonAndByTheirBytes) {
     SingleInstance first(stateFile_);
+    EXPECT_TRUE(first.canBeFound());
     receive(first);
     const QStringList paths = {QStringLiteral("./song.mp3"), QStringLiteral("/a/./b.flac"),
                                pathFromBytes("/old/\xE9t\xE9.mp3")};

@@ -4,6 +4,7 @@
 #include "model/Json.h"
 #include "model/Path.h"
 #include "player/FakeEngine.h"
+#include "player/Insides.h"
 #include "player/MadeList.h"
 #include "player/PlayerController.h"
 #include "storage/Persistence.h"
@@ -50,13 +51,13 @@ class ControllerTest : public testing::Test {
         quit();
         auto made = std::make_unique<FakeEngine>(clock);
         engine = made.get();
-        controller = std::make_unique<PlayerController>(PlayerController::Parts{
-            .clock = clock,
-            .engine = std::move(made),
-            .stateFile = stateFile(),
-            .queues = SerialQueue::Mode::Pumped,
-            .open = [this](const TrackToOpen& wanted) { return open(wanted); },
-            .random = [random = std::mt19937_64(7)]() mutable { return random(); }});
+        controller = std::make_unique<PlayerController>(
+            PlayerParts{.clock = clock,
+                        .engine = std::move(made),
+                        .stateFile = stateFile(),
+                        .queues = SerialQueue::Mode::Pumped,
+                        .open = [this](const TrackToOpen& wanted) { return open(wanted); },
+                        .random = [random = std::mt19937_64(7)]() mutable { return random(); }});
         controller->start(resume);
         settle();
         return *controller;
@@ -78,7 +79,7 @@ class ControllerTest : public testing::Test {
     void settle() {
         do
             clock.runPosted();
-        while (controller->pumpQueues());
+        while (PlayerControllerInsides::pumpQueues(*controller));
     }
     void advance(double seconds) {
         const auto end = clock.now() + std::chrono::nanoseconds(std::llround(seconds * 1e9));

@@ -1,5 +1,6 @@
 #include "media/tags/MetadataReader.h"
 #include "player/ControllerFixture.h"
+#include "storage/Files.h"
 
 using namespace quorel;
 using namespace quorel::test;
@@ -128,11 +129,21 @@ TEST_F(ControllerLibrary, FilesLandInTheOrderTheyWereAskedFor) {
     controller->loadPlaylist(music, [&error](const auto& failed) { error = failed; });
     settle();
     EXPECT_TRUE(error && error->description.contains(QStringLiteral("music")));
-    EXPECT_FALSE(controller->savePlaylist(list(2), pathFromBytes(folder.path("copy.m3u8"))));
-    controller->loadPlaylist(pathFromBytes(folder.path("copy.m3u8")));
+    const QString copy = pathFromBytes(folder.path("copy.m3u8"));
+    controller->savePlaylist(list(2), copy, [&error](const auto& failed) { error = failed; });
+    controller->clearPlaylist(list(2)); // too late for what is saved
+    settle();
+    EXPECT_FALSE(error);
+    controller->loadPlaylist(copy);
     settle();
     EXPECT_EQ(shown(), "otheroneother");
-    EXPECT_TRUE(controller->savePlaylist(list(), pathFromBytes(folder.path("no/folder.m3u8"))));
+    controller->savePlaylist(list(), pathFromBytes(folder.path("no/folder.m3u8")),
+                             [&error](const auto& failed) { error = failed; });
+    settle();
+    EXPECT_TRUE(error && error->description.contains(QStringLiteral("folder.m3u8")));
+    controller->savePlaylist(list(), pathFromBytes(folder.path("last.m3u8")));
+    quit();
+    EXPECT_TRUE(isRegularFile(folder.path("last.m3u8"))) << "the end waits for it";
 }
 
 TEST_F(ControllerLibrary, SavedTagsShowAtOnce) {
@@ -159,6 +170,26 @@ TEST_F(ControllerLibrary, SavedTagsShowAtOnce) {
     EXPECT_EQ(refused->description, QStringLiteral("Tag writing is supported for MP3 files only"));
     EXPECT_EQ(controller->activePlaylist().tracks.at(5).artist, before.at(5).artist);
     EXPECT_FALSE(controller->saveTags(QUuid::createUuid(), tags)) << "an unknown track is no error";
+}
+
+TEST_F(ControllerLibrary, MeasuresWhatFollowsAlsoAfterAnEdit) {
+    saved.playlists = {letters("")};
+    saved.settings.normalize = true;
+    launch();
+    controller->addFiles({wav("one.wav"), wav("three.wav"), wav("two.wav")});
+    settle();
+    const auto measured = [this] {
+        std::string which;
+        for (const Track& track : controller->activePlaylist().tracks)
+            which += track.rmsLinear ? 'm' : '-';
+        return which;
+    };
+    controller->play(controller->activePlaylist().tracks.front().id, list());
+    advance(0.1);
+    EXPECT_EQ(measured(), "mm-");
+    controller->moveTrack(2, 1);
+    settle();
+    EXPECT_EQ(measured(), "mmm");
 }
 
 TEST_F(ControllerLibrary, SelectsWhatIsVisible) {
@@ -190,10 +221,13 @@ TEST_F(ControllerLibrary, ResumesWhereItEnded) {
     EXPECT_EQ(folder.names(), std::vector<std::string>{"state.json"}) << "it plays without harm";
 
     quit();
-    folder.write("state.json.resuming"); // as left by a crash
-    relaunch();
-    EXPECT_EQ(playing(), '-') << "what crashed is not tried again";
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"state.json"});
+    for (const bool resume : {true, false}) {
+        folder.write("state.json.resuming"); // as left by a crash
+        relaunch(resume);
+        EXPECT_EQ(playing(), '-') << "what crashed is not tried again";
+        EXPECT_EQ(folder.names(), std::vector<std::string>{"state.json"});
+        quit();
+    }
     missing = "C";
     relaunch();
     EXPECT_EQ(playing(), '-') << "nothing else plays in its place";
@@ -202,6 +236,18 @@ TEST_F(ControllerLibrary, ResumesWhereItEnded) {
     quit();
     EXPECT_EQ(stored().resumeTrackID, std::nullopt);
     missing.clear();
+}
+
+TEST_F(ControllerLibrary, DoesNotSaveForAPositionThatNobodyWillUse) {
+    launch();
+    play('C');
+    advance(2.5);
+    folder.write("state.json", "not written since");
+    advance(12);
+    EXPECT_EQ(*readFile(folder.path("state.json")), "not written since");
+    controller->changeSettings([](AppSettings& settings) { settings.resumeOnStartup = true; });
+    advance(6);
+    EXPECT_GT(stored().resumePosition.value_or(0), 10);
 }
 
 TEST_F(ControllerLibrary, TellsOnceWhenEverythingIsAsItWillBe) {

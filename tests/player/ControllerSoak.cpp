@@ -176,7 +176,8 @@ void ControllerSoak::addFiles() {
     });
     add("a playlist file", 1, [this] { player_.loadPlaylist(at_.playlistFile); });
     add("writing a playlist file", 2, [this] {
-        ASSERT_FALSE(player_.savePlaylist(player_.activePlaylistID(), at_.playlistFile));
+        player_.savePlaylist(player_.activePlaylistID(), at_.playlistFile,
+                             [](const auto& error) { EXPECT_FALSE(error); });
     });
     add("stopping the work", 3, [this] { player_.cancelActivity(); });
     add("tags", 2, [this] {

@@ -1,18 +1,8 @@
 #include "model/Path.h"
 #include "player/ControllerSoak.h"
-#include "player/PlayerCore.h"
+#include "player/Insides.h"
 
 #include <algorithm>
-
-namespace quorel {
-
-struct PlayerControllerInsides {
-    static const ShuffleOrder& shuffleOrder(const PlayerController& player) {
-        return player.core_->playback.shuffleOrder();
-    }
-};
-
-} // namespace quorel
 
 namespace quorel::test {
 

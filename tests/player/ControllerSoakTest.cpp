@@ -54,12 +54,12 @@ class SoundingSoakTest : public testing::Test {
     }
     QString stateFile() const { return pathFromBytes(folder.path("state.json")); }
     void launch(Clock& clock, SerialQueue::Mode mode, std::unique_ptr<PlayerEngine> engine) {
-        player = std::make_unique<PlayerController>(PlayerController::Parts{
-            .clock = clock,
-            .engine = std::move(engine),
-            .stateFile = stateFile(),
-            .queues = mode,
-            .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
+        player = std::make_unique<PlayerController>(
+            PlayerParts{.clock = clock,
+                        .engine = std::move(engine),
+                        .stateFile = stateFile(),
+                        .queues = mode,
+                        .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
         player->start(false);
     }
     ControllerSoak::Surroundings surroundings(std::function<void(double)> pass,
@@ -104,7 +104,7 @@ TEST_F(SoundingSoakTest, RealEngineOnTheManualClock) {
         for (int left = int(seconds * 100); left > 0; --left) {
             do
                 clock.runPosted();
-            while (player->pumpQueues());
+            while (PlayerControllerInsides::pumpQueues(*player));
             engine.pumpSource();
             heard.clear();
             sound.render(480, heard);

@@ -49,6 +49,16 @@ TEST(PlaylistTabs, areNeverEmpty) {
     EXPECT_EQ(test::lettersOf(tabs.at(1)), "C");
 }
 
+TEST(PlaylistTabs, areToldApartWhereTheirIdsAreTheSame) {
+    Playlist first = Playlist::named(QStringLiteral("A"));
+    Playlist second = first;
+    second.name = QStringLiteral("B");
+    PlaylistTabs tabs({first, second}, first.id);
+    EXPECT_EQ(tabs.active().name(), QStringLiteral("A"));
+    ASSERT_TRUE(tabs.close(tabs.at(1).id()));
+    EXPECT_EQ(namesOf(tabs), "A");
+}
+
 TEST(PlaylistTabs, moveAndShift) {
     constexpr qsizetype kFar = std::numeric_limits<qsizetype>::max();
     // From, to; then shifted by as much, empty where it cannot be.

@@ -21,9 +21,9 @@ struct SlowDisk {
         writing_ = true;
         starts.push_back(clock.now() / 1ms);
         saved = state;
-        const auto end = [this, save] {
+        const auto end = [this, save, fails = isFull] {
             writing_ &= starts.size() != save;
-            schedule.ended(save);
+            schedule.ended(save, !fails);
         };
         if (takes_ == 0ms)
             end();
@@ -48,6 +48,7 @@ struct SlowDisk {
     ManualClock clock;
     int state = 0;
     int saved = 0;
+    bool isFull = false;        ///< what is begun now will fail
     std::vector<qint64> starts; ///< of saves, in milliseconds
     SaveSchedule schedule{clock, {[this](quint64 save) { begin(save); }, [this] { wait(); }}};
 
@@ -103,4 +104,16 @@ TEST(SaveSchedule, flushSavesWhatIsNotSaved) {
         EXPECT_EQ(disk.starts.size(), starts.size() + 2) << what;
         EXPECT_EQ(disk.saved, disk.state) << what;
     }
+}
+
+TEST(SaveSchedule, whatCouldNotBeSavedIsTriedAgainAtTheEnd) {
+    SlowDisk disk(0ms);
+    disk.isFull = true;
+    disk.changeAt(0ms);
+    disk.clock.advance(20s);
+    EXPECT_EQ(disk.starts, (std::vector<qint64>{500})) << "not before something changes";
+    disk.isFull = false;
+    disk.schedule.flush();
+    disk.schedule.flush();
+    EXPECT_EQ(disk.starts, (std::vector<qint64>{500, 20'000}));
 }

@@ -77,10 +77,7 @@ void ToldView::tabsEdited() {
 
 void ToldView::edited(const QUuid& playlist, const TracksEdit& edit) {
     const Playlist& after = *player_.findPlaylist(playlist);
-    if (edit.isReset())
-        rows_.at(playlist) = rowsFor(after);
-    else
-        replay(edit, rows_.at(playlist), after);
+    replay(edit, rows_.at(playlist), after);
 }
 
 void ToldView::replay(const TracksEdit& edit, Rows& rows, const Playlist& after) const {

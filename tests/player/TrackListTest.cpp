@@ -103,10 +103,4 @@ TEST(TracksEdit, tellsWherePlaybackGoesOnWithoutThePlayingTrack) {
     for (const auto& [edit, playing, orphanNext, expected] : kCases)
         EXPECT_EQ(orphanNextAfter(edit, playing, orphanNext), expected)
             << int(edit.kind) << ' ' << playing.value_or(-1) << ' ' << orphanNext.value_or(-1);
-    Rows scattered;
-    for (qsizetype row = 0; row < 64; row += 2)
-        scattered.push_back(row);
-    EXPECT_FALSE((TracksEdit{Kind::Removed, rangesOf(scattered)}.isReset()));
-    scattered.push_back(64);
-    EXPECT_TRUE((TracksEdit{Kind::Removed, rangesOf(scattered)}.isReset()));
 }

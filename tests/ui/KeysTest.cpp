@@ -116,6 +116,21 @@ TEST_F(KeysTest, ArrowsWithModifiersAndWithoutATrack) {
     EXPECT_EQ(controller->settings().volume, 1);
 }
 
+TEST_F(KeysTest, ArrowsGoOnInASliderOfTheSettingsThatWasClicked) {
+    saved.settings.trimSilence = true;
+    open();
+    play('A');
+    key(Qt::Key_Comma, Qt::ControlModifier);
+    auto* const slider = find<ValueSlider>("Max trim per edge");
+    click(slider);
+    const double clicked = slider->value();
+    engine->takeLog();
+    key(Qt::Key_Right);
+    key(Qt::Key_Up);
+    EXPECT_EQ(slider->value(), clicked + 2);
+    EXPECT_EQ(engine->takeLog(), "") << "the music is left alone";
+}
+
 TEST_F(KeysTest, EditingKeysAreTheFieldsOwn) {
     openWith(Focus::List);
     for (const char* const item : {"Cut", "Copy", "Paste"})

@@ -13,6 +13,10 @@ namespace quorel {
 
 namespace {
 constexpr double kFade = 14; // how wide the text fades out at an edge that hides more of it
+
+QFont textFont() {
+    return Theme::font(Theme::TextRole::Title);
+}
 } // namespace
 
 MarqueeLabel::MarqueeLabel(Clock& clock, QWidget* parent)
@@ -29,12 +33,6 @@ void MarqueeLabel::setText(const QString& text) {
     restart();
 }
 
-void MarqueeLabel::setRole(Theme::TextRole role) {
-    role_ = role;
-    updateGeometry();
-    restart();
-}
-
 void MarqueeLabel::setColour(const QColor& colour) {
     if (colour == colour_)
         return;
@@ -44,7 +42,7 @@ void MarqueeLabel::setColour(const QColor& colour) {
 }
 
 QSize MarqueeLabel::sizeHint() const {
-    return px(QSizeF(textWidth(), QFontMetricsF(Theme::font(role_)).height() + 2));
+    return px(QSizeF(textWidth(), QFontMetricsF(textFont()).height() + 2));
 }
 
 QSize MarqueeLabel::minimumSizeHint() const {
@@ -52,7 +50,7 @@ QSize MarqueeLabel::minimumSizeHint() const {
 }
 
 double MarqueeLabel::textWidth() const {
-    return QFontMetricsF(Theme::font(role_)).horizontalAdvance(text_);
+    return QFontMetricsF(textFont()).horizontalAdvance(text_);
 }
 
 void MarqueeLabel::restart() {
@@ -89,7 +87,7 @@ void MarqueeLabel::paintEvent(QPaintEvent*) {
     }
     BasePainter painter(this);
     const QRectF area = baseRect(*this);
-    const QFont font = Theme::font(role_);
+    const QFont font = textFont();
     painter.setFont(font);
     painter.setPen(ink());
     painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft,
@@ -108,7 +106,7 @@ QPixmap MarqueeLabel::wholeText() const {
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(uiScale(), uiScale());
-    painter.setFont(Theme::font(role_));
+    painter.setFont(textFont());
     painter.setPen(ink());
     painter.drawText(area, Qt::AlignVCenter | Qt::AlignLeft, text_);
     return picture;

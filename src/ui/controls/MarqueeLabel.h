@@ -24,7 +24,6 @@ class MarqueeLabel final : public QWidget {
     const QString& text() const { return text_; }
     /// A new text starts from its beginning; it becomes the accessible name.
     void setText(const QString& text);
-    void setRole(Theme::TextRole role);
     void setColour(const QColor& colour);
 
     /// How far the text is shifted to the left now, in base units.
@@ -52,7 +51,6 @@ class MarqueeLabel final : public QWidget {
 
     Clock& clock_;
     QString text_;
-    Theme::TextRole role_ = Theme::TextRole::Title;
     QColor colour_ = Theme::text;
     MarqueePath path_;
     Clock::Duration start_{0};

@@ -84,11 +84,18 @@ void ValueSlider::repaintHandle() {
 }
 
 void ValueSlider::endEditing() {
-    if (!editing_)
+    if (!std::exchange(editing_, false))
         return;
-    editing_ = false;
     update();
     Q_EMIT editingEnded();
+}
+
+/// Nobody has let go of the handle where it is: what acts on that must not.
+void ValueSlider::cutOffEditing() {
+    if (!std::exchange(editing_, false))
+        return;
+    update();
+    Q_EMIT editingCutOff();
 }
 
 void ValueSlider::drag(QPointF pixels) {
@@ -159,12 +166,12 @@ void ValueSlider::keyPressEvent(QKeyEvent* event) {
 
 void ValueSlider::changeEvent(QEvent* event) {
     if (event->type() == QEvent::EnabledChange && !isEnabled())
-        endEditing();
+        cutOffEditing();
     QWidget::changeEvent(event);
 }
 
 void ValueSlider::hideEvent(QHideEvent* event) {
-    endEditing();
+    cutOffEditing();
     QWidget::hideEvent(event);
 }
 

@@ -9,7 +9,8 @@ namespace quorel {
 /// What the sliders of the panel have in common: a value that is set by dragging, clicking, the
 /// wheel, the arrow keys, Page Up and Down, Home and End, or an assistive technology. It reports
 /// its value there as a number and as text. Every edit, of one step as well, comes as
-/// editingStarted, valueEdited (for each new value) and editingEnded.
+/// editingStarted, valueEdited (for each new value) and editingEnded; a drag that is cut off, as
+/// the slider is hidden or disabled, ends with editingCutOff instead.
 class ValueSlider : public QWidget {
     Q_OBJECT
 
@@ -44,6 +45,7 @@ class ValueSlider : public QWidget {
     void editingStarted();
     void valueEdited(double value);
     void editingEnded();
+    void editingCutOff();
 
   protected:
     ValueSlider(const Range& range, QWidget* parent);
@@ -74,6 +76,7 @@ class ValueSlider : public QWidget {
     void repaintHandle();
     void drag(QPointF pixels);
     void endEditing();
+    void cutOffEditing();
 
     Range range_;
     double value_;

@@ -105,7 +105,8 @@ QWidget* EQPanel::makeBands() {
         slider->setValueText([](double db) { return tr("%1 dB").arg(db, 0, 'f', 1); });
         connect(slider, &ValueSlider::valueEdited, &player_,
                 [this, band](double db) { player_.setEQGain(band, db); });
-        connect(slider, &ValueSlider::editingEnded, &player_, &PlayerController::scheduleSave);
+        for (const auto end : {&ValueSlider::editingEnded, &ValueSlider::editingCutOff})
+            connect(slider, end, &player_, &PlayerController::scheduleSave);
         sliders_ += slider;
         grid->addWidget(gains_.back(), 0, band, Qt::AlignHCenter);
         grid->addWidget(slider, 1, band, Qt::AlignHCenter);

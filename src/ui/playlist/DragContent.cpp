@@ -1,6 +1,7 @@
 #include "ui/playlist/DragContent.h"
 
 #include "model/FileUri.h"
+#include "player/PlayerController.h"
 
 #include <utility>
 
@@ -42,13 +43,30 @@ bool hasFiles(const QMimeData& dragged) {
 }
 
 QStringList pathsOf(const QMimeData& dragged) {
-    if (const auto* const tracks = qobject_cast<const DraggedTracks*>(&dragged))
-        return tracks->paths();
     QStringList paths;
     for (const QByteArray& line : dragged.data(uriList()).split('\n'))
         if (const auto path = pathOfFileUri(QString::fromUtf8(line.trimmed())))
             paths += *path;
     return paths;
+}
+
+void addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target) {
+    const auto* const rows = qobject_cast<const DraggedTracks*>(&dropped);
+    if (!rows) {
+        player.importPaths(pathsOf(dropped), target);
+        return;
+    }
+    switch (target.kind) {
+    case ImportTarget::Kind::Playlist:
+        player.addFiles(rows->paths(), target.playlist);
+        break;
+    case ImportTarget::Kind::Gap:
+        player.insertFiles(rows->paths(), target.row);
+        break;
+    case ImportTarget::Kind::NewPlaylist:
+        player.newPlaylist(rows->paths());
+        break;
+    }
 }
 
 } // namespace quorel

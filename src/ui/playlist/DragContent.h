@@ -6,6 +6,9 @@
 
 namespace quorel {
 
+class PlayerController;
+struct ImportTarget;
+
 /// Rows of a playlist that are being dragged. To other programs they are files, whose addresses are
 /// only made when someone asks for them: there may be a hundred thousand.
 class DraggedTracks final : public QMimeData {
@@ -48,5 +51,9 @@ bool hasFiles(const QMimeData& dragged);
 
 /// The local files that are dragged, their bytes kept (model/Path.h).
 QStringList pathsOf(const QMimeData& dragged);
+
+/// Adds what was dropped there, where a gap is one of the active playlist. Files are collected
+/// first; rows from another playlist come as they stand there.
+void addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target);
 
 } // namespace quorel

@@ -293,9 +293,9 @@ void TabsBar::dropEvent(QDropEvent* event) {
     if (const auto* const tab = qobject_cast<const DraggedPlaylist*>(&dragged))
         player_.movePlaylist(tab->id(), index);
     else if (index == row_->count())
-        player_.importPaths(pathsOf(dragged), {.kind = ImportTarget::Kind::NewPlaylist});
+        addDropped(player_, dragged, {.kind = ImportTarget::Kind::NewPlaylist});
     else
-        player_.importPaths(pathsOf(dragged), {.playlist = player_.playlistAt(index).id});
+        addDropped(player_, dragged, {.playlist = player_.playlistAt(index).id});
 }
 
 // --- Painting ------------------------------------------------------------------------------------

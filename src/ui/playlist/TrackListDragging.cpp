@@ -94,8 +94,8 @@ void TrackListView::drop(const QMimeData& dragged, int gap) {
     const QUuid& playlist = player_.activePlaylistID();
     const auto* const own = qobject_cast<const DraggedTracks*>(&dragged);
     if (!own || own->playlist() != playlist) {
-        player_.importPaths(pathsOf(dragged),
-                            {.kind = ImportTarget::Kind::Gap, .playlist = playlist, .row = row});
+        addDropped(player_, dragged,
+                   {.kind = ImportTarget::Kind::Gap, .playlist = playlist, .row = row});
         return;
     }
     std::vector<qsizetype> rows;

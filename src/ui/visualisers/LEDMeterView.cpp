@@ -18,7 +18,7 @@ QLinearGradient downwards(const QRectF& box, QColor colour,
                           std::initializer_list<std::pair<double, double>> opacities) {
     QLinearGradient gradient(box.topLeft(), box.bottomLeft());
     for (const auto& [position, opacity] : opacities) {
-        gradient.setColorAt(position, faded(colour, opacity));
+        gradient.setColorAt(position, Theme::faded(colour, opacity));
     }
     return gradient;
 }
@@ -27,7 +27,7 @@ void drawOff(QPainter& painter, const QRectF& box, double unit, QColor colour) {
     painter.setBrush(downwards(box, colour, {{0, 0.05}, {0.5, 0.14}, {1, 0.07}}));
     painter.drawRoundedRect(box, 2 * unit, 2 * unit);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(faded(Qt::black, 0.6), 0.6 * unit));
+    painter.setPen(QPen(Theme::faded(Qt::black, 0.6), 0.6 * unit));
     painter.drawRoundedRect(box, 2 * unit, 2 * unit);
 }
 
@@ -38,7 +38,7 @@ void drawOn(QPainter& painter, const QRectF& box, double unit, QColor colour, do
     const QRectF shine(0.2 * box.width(), 0.12 * box.height(), 0.6 * box.width(),
                        0.28 * box.height());
     const double radius = std::min(shine.width(), shine.height()) / 2;
-    painter.setBrush(faded(Qt::white, brightness * 0.32));
+    painter.setBrush(Theme::faded(Qt::white, brightness * 0.32));
     painter.drawRoundedRect(shine, radius, radius);
 }
 
@@ -56,7 +56,7 @@ const Sprite& segmentOf(SpriteCache& sprites, QSize size, QColor colour, bool on
         return glowing(
             size, kGlowSigma * unit,
             [&](QPainter& painter) {
-                painter.setBrush(faded(colour, brightness * 0.35));
+                painter.setBrush(Theme::faded(colour, brightness * 0.35));
                 painter.drawRoundedRect(box.adjusted(-grown, -grown, grown, grown), 2.5 * unit,
                                         2.5 * unit);
             },

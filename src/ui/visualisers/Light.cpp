@@ -5,11 +5,6 @@
 
 namespace quorel {
 
-QColor faded(QColor colour, double opacity) {
-    colour.setAlphaF(static_cast<float>(opacity));
-    return colour;
-}
-
 QColor dimmed(QColor colour, double amount) {
     const auto less = [amount](double channel) { return std::max(0.0, channel - amount); };
     return QColor::fromRgbF(static_cast<float>(less(colour.redF())),

@@ -10,7 +10,6 @@ constexpr double dimming(double brightness) {
     return (1 - brightness) * 0.35;
 }
 
-QColor faded(QColor colour, double opacity);
 QColor dimmed(QColor colour, double amount);
 /// Dims a whole premultiplied picture. Pictures dimmed one by one and laid upon each other give
 /// what dimming the finished composition would: for a channel of value p and coverage a both yield

@@ -27,18 +27,18 @@ QColor colourOf(float value) {
 /// `box` in pixels, `unit` pixels a point.
 void drawBody(QPainter& painter, const QRectF& box, double unit, QColor colour) {
     QLinearGradient metal(box.topLeft(), box.topRight());
-    metal.setColorAt(0, faded(colour, 0.55));
+    metal.setColorAt(0, Theme::faded(colour, 0.55));
     metal.setColorAt(0.5, colour);
-    metal.setColorAt(1, faded(colour, 0.7));
+    metal.setColorAt(1, Theme::faded(colour, 0.7));
     painter.setBrush(metal);
     painter.drawRoundedRect(box, kRadius * unit, kRadius * unit);
 
     const QRectF stripe(box.width() * 0.12, 0, box.width() * 0.24, box.height());
-    painter.setBrush(faded(Qt::white, 0.22));
+    painter.setBrush(Theme::faded(Qt::white, 0.22));
     painter.drawRoundedRect(stripe, stripe.width() / 2, stripe.width() / 2);
 
     const QRectF cap(0, 0, box.width(), std::min(box.height(), 3 * unit));
-    painter.setBrush(faded(Qt::white, 0.5));
+    painter.setBrush(Theme::faded(Qt::white, 0.5));
     painter.drawRoundedRect(cap, 1.5 * unit, 1.5 * unit);
 }
 
@@ -50,7 +50,7 @@ const Sprite& barOf(SpriteCache& sprites, int width, int height, QColor colour) 
         Sprite sprite = glowing(
             size, kGlowSigma * unit,
             [&](QPainter& painter) {
-                painter.setBrush(faded(colour, 0.35));
+                painter.setBrush(Theme::faded(colour, 0.35));
                 painter.drawRoundedRect(box, kRadius * unit, kRadius * unit);
             },
             [&](QPainter& painter) { drawBody(painter, box, unit, colour); });

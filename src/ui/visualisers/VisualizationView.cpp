@@ -107,7 +107,7 @@ void VisualizationView::paintEvent(QPaintEvent* event) {
     if (hasFocus()) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(faded(Theme::gold, 0.7), 1));
+        painter.setPen(QPen(Theme::faded(Theme::gold, 0.7), 1));
         painter.drawRoundedRect(QRectF(QPointF(), size).adjusted(0.5, 0.5, -0.5, -0.5), kCorner,
                                 kCorner);
     }
@@ -122,8 +122,8 @@ void VisualizationView::paintWell(QPainter& painter, QSizeF size) const {
     painter.drawRoundedRect(well, kCorner, kCorner);
     // Light from above: the upper edge throws a shadow, the lower one catches the light.
     QLinearGradient edge(well.topLeft(), well.bottomLeft());
-    edge.setColorAt(0, faded(Qt::black, 0.9));
-    edge.setColorAt(1, faded(Theme::steelLight, 0.6));
+    edge.setColorAt(0, Theme::faded(Qt::black, 0.9));
+    edge.setColorAt(1, Theme::faded(Theme::steelLight, 0.6));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(edge, 1));
     painter.drawRoundedRect(well.adjusted(0.5, 0.5, -0.5, -0.5), kCorner, kCorner);

@@ -66,6 +66,18 @@ TEST_F(DraggingTest, FilesLandInTheTabTheyAreDroppedOn) {
     EXPECT_EQ(tabs().target(), 1);
 }
 
+TEST_F(DraggingTest, RowsDroppedElsewhereKeepTheirOrderAndThoseWhoseFilesAreGone) {
+    show({"ABCD", "E"});
+    EXPECT_TRUE(dropAt(&area->tabs(), tabAt(1), *rows("CAA")));
+    EXPECT_EQ(lettersOf(controller->playlistAt(1).tracks), "ECAA");
+    EXPECT_TRUE(dropAt(&area->tabs(), {area->tabs().width() - 20, 20}, *rows("DB")));
+    ASSERT_EQ(controller->playlistCount(), 3);
+    EXPECT_EQ(shown(), "DB");
+    controller->setActivePlaylist(list(1));
+    EXPECT_TRUE(dropAt(viewport(), gapAbove(1), *rows("DB"))) << "of the first tab";
+    EXPECT_EQ(shown(), "EDBCAA");
+}
+
 TEST_F(DraggingTest, GhostTabMakesAPlaylist) {
     show({"AB"});
     const QPoint end(area->tabs().width() - 20, 20);

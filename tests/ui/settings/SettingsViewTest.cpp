@@ -77,6 +77,15 @@ class SettingsViewTest : public ControllerTest {
     std::unique_ptr<SettingsView> view;
 };
 
+TEST_F(SettingsViewTest, CancelPutsBackWhatIsBeingDragged) {
+    openSettings();
+    const S before = now();
+    FillSlider& slider = slide(QStringLiteral("Silence threshold"));
+    QTest::mousePress(&slider, Qt::LeftButton, {}, {slider.width() / 4, slider.height() / 2});
+    QTest::keyClick(view.get(), Qt::Key_Escape);
+    EXPECT_EQ(now(), before);
+}
+
 TEST_F(SettingsViewTest, SwitchesChangeTheirFieldsAndCancelPutsThemBack) {
     openSettings();
     const S before = now();
