@@ -196,6 +196,8 @@ class PlayerController : public QObject {
     void undoChanged();
     void noticeChanged(); ///< notice or output devices
     void activityChanged();
+    /// What recomputeBPM() asked for; no tempo where none was found.
+    void tempoMeasured(const Track& track, std::optional<double> bpm);
     void keyNudge(KeyNudge what);
 
   private:

@@ -234,7 +234,8 @@ void PlayerController::loadPlaylist(const QString& file, PlaylistFileDone done) 
             }
             if (done)
                 done(read ? std::nullopt
-                          : std::optional(Error{11, tr("The playlist “%1” could not be read.")
+                          : std::optional(Error{11, tr("The playlist “%1” could not be read. It "
+                                                       "has to be a text in UTF-8.")
                                                         .arg(pathForDisplay(file))}));
         });
 }

@@ -71,6 +71,11 @@ PlayerController::Core::Core(PlayerController& owner, PlayerParts parts)
                                   measured.push_back(result);
                                   takeMeasured();
                               },
+                          .answered =
+                              [this](const TrackAnalyses::Result& result) {
+                                  const Operation operation(*this);
+                                  changes.tempos.emplace_back(result.task.track, result.bpm);
+                              },
                           .progressed =
                               [this] {
                                   const Operation operation(*this);
@@ -140,6 +145,10 @@ void PlayerController::Core::tellOf(const PlayerChanges& told) {
         state.jumped();
     if (told.meters)
         state.metersChanged();
+    for (const auto& [track, bpm] : told.tempos) {
+        if (const auto place = placeOf(track))
+            controller.tempoMeasured(place->list->tracks().at(place->row), bpm);
+    }
     for (const KeyNudge nudge : told.nudges)
         controller.keyNudge(nudge);
 }

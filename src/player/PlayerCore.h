@@ -36,6 +36,7 @@ struct PlayerChanges {
     bool position = false;
     bool jumped = false;
     bool meters = false;
+    std::vector<std::pair<QUuid, std::optional<double>>> tempos;
     std::vector<KeyNudge> nudges;
 };
 

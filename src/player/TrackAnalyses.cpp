@@ -84,11 +84,16 @@ void TrackAnalyses::ended(const Result& result) {
         return isSame(running.task, result.task);
     };
     // Results come in the order of the tasks, so of two alike the first is meant.
-    if (const auto found = std::ranges::find_if(automatic_, isIt); found != automatic_.end())
+    bool wasAsked = false;
+    if (const auto found = std::ranges::find_if(automatic_, isIt); found != automatic_.end()) {
         automatic_.erase(found);
-    else if (const auto wish = std::ranges::find_if(asked_, isIt); wish != asked_.end())
+    } else if (const auto wish = std::ranges::find_if(asked_, isIt); wish != asked_.end()) {
         asked_.erase(wish);
+        wasAsked = true;
+    }
     events_.measured(result);
+    if (wasAsked)
+        events_.answered(result);
     events_.progressed();
 }
 

@@ -35,7 +35,8 @@ class TrackAnalyses {
 
     struct Events {
         std::function<void(const Result&)> measured;
-        std::function<void()> progressed; ///< of what the user asked for
+        std::function<void(const Result&)> answered; ///< after that, what the user asked for
+        std::function<void()> progressed;            ///< of what the user asked for
     };
 
     TrackAnalyses(SerialQueue& queue, Events events)

@@ -25,6 +25,11 @@ bool isOneOf(QWidget* widget) {
     return (... || (qobject_cast<Kinds*>(widget) != nullptr));
 }
 
+/// In a dialog a control that was clicked has the arrows, too: it is what one came to set.
+bool hasArrows(QWidget* focus) {
+    return showsFocusRing(focus) || focus->window()->windowType() == Qt::Dialog;
+}
+
 } // namespace
 
 bool isEditingText() {
@@ -49,7 +54,7 @@ FocusContext KeyFilter::contextOf(Qt::Key key) const {
     if (focus && isOneOf<ValueSlider>(focus) && (focus->focusPolicy() & Qt::ClickFocus) != 0)
         return {FocusKind::ArrowControl, true};
     if (focus && isOneOf<ValueSlider, QAbstractSlider, QComboBox, QTabBar>(focus))
-        return {FocusKind::ArrowControl, showsFocusRing(focus)};
+        return {FocusKind::ArrowControl, hasArrows(focus)};
     if (focus && focus == enteredList_ && (key == Qt::Key_Up || key == Qt::Key_Down))
         return {FocusKind::ArrowControl, showsFocusRing(focus)};
     return {};

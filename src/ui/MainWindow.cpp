@@ -57,7 +57,8 @@ MainWindow::MainWindow(PlayerController& player, UpdateChecker& updates, Clock& 
     column->addWidget(banner_);
     column->addWidget(panel_);
     column->addWidget(playlist_, 1);
-    column->addWidget(new StatusBar(player, content_));
+    column->addStretch(); // of a full screen, while the playlist is hidden
+    column->addWidget(new StatusBar(player, clock, content_));
     setCentralWidget(content_);
     connect(playlist_, &PlaylistArea::addRequested, this,
             [this] { addFilesOrFolders(player_, this); });
@@ -87,7 +88,8 @@ void MainWindow::editTags(const QUuid& track) {
 
 void MainWindow::refreshTitle() {
     const Track* const playing = player_.playingTrack();
-    setWindowTitle(playing ? tr("%1 — Quorel").arg(rowLabel(*playing)) : QStringLiteral("Quorel"));
+    setWindowTitle(playing ? tr("%1 — Quorel").arg(isolated(rowLabel(*playing)))
+                           : QStringLiteral("Quorel"));
 }
 
 bool MainWindow::canStayOnTop() {

@@ -21,12 +21,14 @@ constexpr double kSpacing = 5;
 constexpr double kStopSize = 20;
 constexpr double kWarningWidth = 18;
 constexpr double kLeastFirstPart = 60; // of the text, when it is cut
+constexpr std::chrono::seconds kAnswerStays(6);
 
 } // namespace
 
-StatusBar::StatusBar(PlayerController& player, QWidget* parent)
+StatusBar::StatusBar(PlayerController& player, Clock& clock, QWidget* parent)
     : QWidget(parent)
     , player_(player)
+    , clock_(clock)
     , stop_(new TransportButton(Icon::Close, PanelButton::Face::Quiet, this)) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     stop_->setFaceSize({kStopSize, kStopSize});
@@ -41,6 +43,7 @@ StatusBar::StatusBar(PlayerController& player, QWidget* parent)
         connect(&player, signal, this, &StatusBar::refresh);
     connect(&player, &PlayerController::tracksEdited, this, &StatusBar::refresh);
     connect(&player, &PlayerController::settingsChanged, this, &StatusBar::refresh);
+    connect(&player, &PlayerController::tempoMeasured, this, &StatusBar::showTempo);
     refresh();
 }
 
@@ -67,13 +70,32 @@ QString StatusBar::activityText() const {
     return tr("Measuring the tempo");
 }
 
+void StatusBar::showTempo(const Track& track, std::optional<double> bpm) {
+    const qint64 tempo = qRound64(bpm.value_or(0));
+    const QString title = isolated(titleText(track));
+    answer_ = tempo >= 1 ? tr("%1 BPM: %2").arg(tempo).arg(title)
+                         : tr("No tempo was found: %1").arg(title);
+    answerEnd_ = clock_.startTimer(kAnswerStays, Clock::Repeat::Once, [this] {
+        answer_.clear();
+        refresh();
+    });
+    refresh();
+}
+
+QString StatusBar::firstPart() const {
+    if (isWarning_)
+        return player_.notice();
+    if (!answer_.isEmpty())
+        return answer_;
+    const Track* const playing = player_.playingTrack();
+    return playing ? tr("Playing: %1").arg(isolated(titleText(*playing))) : QString();
+}
+
 void StatusBar::refresh() {
     QStringList parts;
     isWarning_ = !player_.notice().isEmpty();
-    if (isWarning_)
-        parts += player_.notice();
-    else if (const Track* const playing = player_.playingTrack())
-        parts += tr("Playing: %1").arg(titleText(*playing));
+    if (const QString first = firstPart(); !first.isEmpty())
+        parts += first;
     const qsizetype all = player_.activePlaylist().tracks.size();
     if (const VisibleRows& visible = player_.visibleTracks(); visible.isFiltered())
         parts += tr("%1 of %2").arg(visible.size()).arg(trackCountText(all));
@@ -125,11 +147,15 @@ void StatusBar::changeEvent(QEvent* event) {
 
 QString StatusBar::textFor(double room) const {
     const QFontMetricsF metrics(Theme::font(Theme::TextRole::Small));
+    // Parts measured one by one, and the button's whole pixels, may come out wider by a fraction.
+    if (metrics.horizontalAdvance(text_) <= room + 2)
+        return text_;
     const QString rest = text_.mid(firstPart_);
     const double left = room - metrics.horizontalAdvance(rest);
     if (left < kLeastFirstPart)
         return metrics.elidedText(text_, Qt::ElideRight, room);
-    return metrics.elidedText(text_.left(firstPart_), Qt::ElideRight, left) + rest;
+    // What is cut off may be the end of a title that is written from the right.
+    return metrics.elidedText(text_.left(firstPart_), Qt::ElideRight, left) + QChar(0x2069) + rest;
 }
 
 std::vector<QRectF> StatusBar::flagChips() const {

@@ -1,21 +1,27 @@
 #pragma once
 
+#include "core/Clock.h"
+
 #include <QStringList>
 #include <QWidget>
+#include <optional>
 #include <vector>
 
 namespace quorel {
 
 class PlayerController;
 class TransportButton;
+struct Track;
 
 /// The line at the foot of the window: what plays or why nothing does, work in the background with
-/// a button to stop it, and the processing that is on.
+/// a button to stop it, and the processing that is on. What the user had measured stands first for
+/// a while.
 class StatusBar final : public QWidget {
     Q_OBJECT
 
   public:
-    explicit StatusBar(PlayerController& player, QWidget* parent = nullptr);
+    /// Player and clock outlive it.
+    StatusBar(PlayerController& player, Clock& clock, QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -31,6 +37,8 @@ class StatusBar final : public QWidget {
 
   private:
     void refresh();
+    void showTempo(const Track& track, std::optional<double> bpm);
+    QString firstPart() const;
     void placeStop();
     QString activityText() const;
     /// Where the text, with the button that stops work, may begin and end.
@@ -43,7 +51,10 @@ class StatusBar final : public QWidget {
     void paintFlags(QPainter& painter) const;
 
     PlayerController& player_;
+    Clock& clock_;
     TransportButton* const stop_;
+    QString answer_; ///< empty without one
+    std::unique_ptr<Timer> answerEnd_;
     bool isWarning_ = false;
     QString text_;
     qsizetype firstPart_ = 0; ///< its length in the text

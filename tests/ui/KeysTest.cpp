@@ -91,6 +91,22 @@ TEST_F(KeysTest, GoWhereTheFocusWantsThem) {
     }
 }
 
+TEST_F(KeysTest, ArrowsSetWhatWasClickedInADialog) {
+    open();
+    play('A');
+    controller->seek(10);
+    key(Qt::Key_Comma, Qt::ControlModifier);
+    key(Qt::Key_PageUp, Qt::ControlModifier);
+    auto* const slider = find<FillSlider>("Playlist font size");
+    click(slider);
+    const double clicked = controller->settings().playlistFontSize;
+    for (const Qt::Key arrow : {Qt::Key_Right, Qt::Key_Up})
+        key(arrow);
+    EXPECT_NEAR(controller->settings().playlistFontSize, clicked + 1, 1e-9);
+    EXPECT_EQ(controller->playback().currentTime(), 10);
+    EXPECT_EQ(controller->settings().volume, 0.5);
+}
+
 TEST_F(KeysTest, ArrowsWithModifiersAndWithoutATrack) {
     open();
     EXPECT_EQ(menuItem("Next Track")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Right));

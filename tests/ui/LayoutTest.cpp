@@ -1,6 +1,7 @@
 #include "ui/AllWindows.h"
 #include "ui/TextProbe.h"
 #include "ui/controls/FloatingValueLabel.h"
+#include "ui/panel/PlayerPanel.h"
 #include "ui/playlist/PlaylistArea.h"
 #include "ui/theme/BasePainter.h"
 
@@ -191,6 +192,8 @@ TEST_F(LayoutTest, FullScreen) {
         saved.settings.showPlaylist = withPlaylist;
         open();
         const QSize before = window->size();
+        const auto panelHeight = [this] { return window->findChild<PlayerPanel*>()->height(); };
+        const int panelBefore = panelHeight();
         QAction* const toggle = menuItem(withPlaylist ? "Hide Playlist" : "Show Playlist");
         for (const bool byMenu : {false, true}) {
             const auto turn = [&] {
@@ -203,6 +206,7 @@ TEST_F(LayoutTest, FullScreen) {
             turn();
             EXPECT_TRUE(window->isFullScreen() && controller->fullscreenActive());
             EXPECT_EQ(window->size(), window->screen()->size());
+            EXPECT_EQ(panelHeight(), panelBefore) << "its controls stay together";
             EXPECT_FALSE(toggle->isEnabled() || find("Playlist")->isEnabled());
             EXPECT_TRUE(menuItem("Full Screen")->isChecked());
             key(Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);

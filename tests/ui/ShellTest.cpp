@@ -54,6 +54,13 @@ TEST_F(ShellTest, TitleAndStatusLine) {
     controller->nextTrack();
     advance(0.1);
     EXPECT_EQ(title(), "C — Quorel");
+    controller->recomputeBPM(idOf('A')); // there is no such file
+    rest();
+    EXPECT_EQ(status(), "No tempo was found: A   4 tracks");
+    Q_EMIT controller->tempoMeasured(controller->activePlaylist().tracks[1], 103.7);
+    EXPECT_EQ(status(), "104 BPM: B   4 tracks");
+    advance(6);
+    EXPECT_EQ(status(), "Playing: C   4 tracks");
     controller->stop();
     controller->selectOnly(idOf('A'));
     controller->removeSelected();

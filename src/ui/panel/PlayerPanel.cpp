@@ -132,7 +132,7 @@ void PlayerPanel::makeSound() {
 
 void PlayerPanel::makeOpeners() {
     mode_ = new TextIconButton(tr("Mode"), PanelButton::Face::Raised, this);
-    mode_->setFaceSize({88, kButton.height()});
+    mode_->setFaceSize({100, kButton.height()}); // with two symbols
     mode_->setSpacePresses(false);
     mode_->setToolTip(tr("Playback mode"));
     connect(mode_, &QAbstractButton::clicked, this, &PlayerPanel::pressMode);

@@ -174,9 +174,9 @@ void TabRow::paintEvent(QPaintEvent* event) {
 }
 
 void TabRow::mousePressEvent(QMouseEvent* event) {
-    pressedAt_.reset();
-    if (event->button() == Qt::LeftButton)
-        pressedAt_ = event->position().toPoint();
+    const QPoint at = event->position().toPoint();
+    pressedAt_ = event->button() == Qt::LeftButton ? std::optional(at) : std::nullopt;
+    closing_ = event->button() == Qt::MiddleButton ? playlistAt(at) : std::nullopt;
     QTabBar::mousePressEvent(event);
 }
 
@@ -196,9 +196,10 @@ void TabRow::mouseMoveEvent(QMouseEvent* event) {
 void TabRow::mouseReleaseEvent(QMouseEvent* event) {
     QTabBar::mouseReleaseEvent(event);
     pressedAt_.reset();
-    if (const auto playlist = playlistAt(event->position().toPoint());
-        playlist && event->button() == Qt::MiddleButton)
-        Q_EMIT closeRequested(*playlist);
+    // Who moves away from the tab before letting go has thought better of it.
+    if (const auto pressed = std::exchange(closing_, {});
+        pressed && pressed == playlistAt(event->position().toPoint()))
+        Q_EMIT closeRequested(*pressed);
 }
 
 void TabRow::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -212,10 +213,24 @@ void TabRow::wheelEvent(QWheelEvent* event) {
 }
 
 void TabRow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F2)
+    switch (event->key()) {
+    case Qt::Key_F2:
         Q_EMIT renameRequested(player_.activePlaylistID());
-    else
+        break;
+    case Qt::Key_Home:
+        setCurrentIndex(0);
+        break;
+    case Qt::Key_End:
+        setCurrentIndex(count() - 1);
+        break;
+    default:
         QTabBar::keyPressEvent(event);
+    }
+}
+
+void TabRow::focusInEvent(QFocusEvent* event) {
+    QTabBar::focusInEvent(event);
+    Q_EMIT focused();
 }
 
 void TabRow::startDrag(int index) {

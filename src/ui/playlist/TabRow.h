@@ -28,6 +28,7 @@ class TabRow final : public QTabBar {
   Q_SIGNALS:
     void renameRequested(const QUuid& playlist);
     void closeRequested(const QUuid& playlist);
+    void focused();
 
   protected:
     bool event(QEvent* event) override;
@@ -40,6 +41,7 @@ class TabRow final : public QTabBar {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 
   private:
     void refresh();
@@ -49,6 +51,7 @@ class TabRow final : public QTabBar {
 
     PlayerController& player_;
     std::optional<QPoint> pressedAt_;
+    std::optional<QUuid> closing_; ///< the middle button was pressed on it
     Mark mark_ = Mark::None;
     int target_ = -1;
     int hovered_ = -1; ///< as it is painted

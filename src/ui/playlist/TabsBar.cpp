@@ -26,6 +26,8 @@ constexpr double kMargin = 10;
 constexpr double kAddSize = 24;
 constexpr double kGhostWidth = 116;
 constexpr double kFade = 28;
+constexpr double kFieldSides = 24;
+constexpr double kFieldWidest = 280;
 constexpr std::chrono::nanoseconds kScrollStep(1'000'000'000 / 60);
 
 QString shortcutText(int key) {
@@ -71,6 +73,7 @@ TabsBar::TabsBar(PlayerController& player, Clock& clock, QWidget* parent)
     add_->setAccessibleName(tr("New playlist"));
     add_->setToolTip(tr("New playlist (%1)").arg(shortcutText(Qt::Key_N)));
     connect(add_, &QAbstractButton::clicked, this, [this] { player_.addPlaylist(); });
+    connect(row_, &TabRow::focused, this, &TabsBar::showCurrent);
     connect(row_, &TabRow::renameRequested, this, &TabsBar::rename);
     connect(row_, &TabRow::closeRequested, this,
             [this](const QUuid& playlist) { askToClose(player_, playlist, this); });
@@ -107,11 +110,18 @@ void TabsBar::place() {
     if (field_) {
         const auto index = player_.playlistIndex(field_->property("playlist").toUuid());
         if (index)
-            field_->setGeometry(row_->tabRect(static_cast<int>(*index))
-                                    .translated(row_->pos())
-                                    .adjusted(0, px(4), -px(4), -px(2)));
+            field_->setGeometry(fieldArea(static_cast<int>(*index)));
     }
     update();
+}
+
+/// Over the tab, and over those beside it where the name is longer.
+QRect TabsBar::fieldArea(int index) const {
+    QRect area = row_->tabRect(index).translated(row_->pos()).adjusted(0, px(4), -px(4), -px(2));
+    const int text = field_->fontMetrics().horizontalAdvance(field_->text()) + px(kFieldSides);
+    area.setWidth(std::min({std::max(area.width(), text), px(kFieldWidest), window_->width()}));
+    area.moveLeft(std::clamp(area.left(), 0, window_->width() - area.width()));
+    return area;
 }
 
 void TabsBar::scrollTo(int offset) {
@@ -120,8 +130,12 @@ void TabsBar::scrollTo(int offset) {
 }
 
 void TabsBar::showCurrent() {
+    showTab(row_->currentIndex());
+}
+
+void TabsBar::showTab(int index) {
     place();
-    const QRect tab = row_->tabRect(row_->currentIndex());
+    const QRect tab = row_->tabRect(index);
     if (tab.left() < offset_)
         scrollTo(tab.left() - px(kFade));
     else if (tab.right() > offset_ + window_->width())
@@ -163,7 +177,8 @@ void TabsBar::rename(const QUuid& playlist) {
     connect(field_, &RenameField::renamed, this,
             [this, playlist](const QString& name) { player_.renamePlaylist(playlist, name); });
     connect(field_, &RenameField::ended, this, &TabsBar::renamingEnded);
-    place();
+    connect(field_, &QLineEdit::textChanged, this, &TabsBar::place);
+    showTab(static_cast<int>(player_.playlistIndex(playlist).value_or(0)));
     field_->show();
     field_->setFocus(Qt::OtherFocusReason);
 }
@@ -173,6 +188,8 @@ void TabsBar::contextMenuEvent(QContextMenuEvent* event) {
     const QPoint at = row_->mapFrom(this, event->pos());
     const QUuid playlist =
         byMouse ? row_->playlistAt(at).value_or(QUuid()) : player_.activePlaylistID();
+    if (!byMouse)
+        showCurrent(); // the menu opens at it
     auto* const menu = new TabMenu(player_, playlist, this);
     connect(menu, &TabMenu::renameRequested, this, &TabsBar::rename);
     connect(menu, &TabMenu::loadRequested, this, &TabsBar::loadRequested);

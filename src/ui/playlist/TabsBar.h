@@ -56,7 +56,9 @@ class TabsBar final : public QWidget {
   private:
     void place();
     void scrollTo(int offset);
+    void showTab(int index);
     void showCurrent();
+    QRect fieldArea(int index) const;
     void paintGhost(QPainter& painter) const;
     /// The tab there, the number of tabs for the free end.
     int dropIndexAt(const QPoint& at) const;

@@ -8,19 +8,58 @@
 
 namespace quorel {
 
+namespace {
+
+bool isControl(QChar c) {
+    return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+           c == QChar::ParagraphSeparator;
+}
+
+/// Tags may hold line breaks and worse; a line shows blanks for them.
+QString onOneLine(QString text) {
+    if (std::any_of(text.cbegin(), text.cend(), isControl))
+        std::replace_if(text.begin(), text.end(), isControl, u' ');
+    return text;
+}
+
+/// Whether it could turn round what stands behind it.
+bool isDirected(QChar c) {
+    switch (c.direction()) {
+    case QChar::DirR:
+    case QChar::DirAL:
+    case QChar::DirRLE:
+    case QChar::DirRLO:
+    case QChar::DirRLI:
+    case QChar::DirLRO:
+    case QChar::DirFSI:
+        return true;
+    default:
+        return c.isSurrogate(); // some scripts there are written from the right
+    }
+}
+
+} // namespace
+
 QString titleText(const Track& track) {
-    return track.title.isEmpty() ? pathForDisplay(baseName(track.path).toString()) : track.title;
+    return onOneLine(track.title.isEmpty() ? pathForDisplay(baseName(track.path).toString())
+                                           : track.title);
 }
 
 QString rowLabel(const Track& track) {
     const QString title = titleText(track);
-    return track.artist.isEmpty() ? title : track.artist + QStringLiteral(" - ") + title;
+    return track.artist.isEmpty() ? title : onOneLine(track.artist) + QStringLiteral(" - ") + title;
+}
+
+QString isolated(const QString& text) {
+    if (std::none_of(text.cbegin(), text.cend(), isDirected))
+        return text;
+    return QChar(0x2068) + text + QChar(0x2069); // first strong isolate, and its end
 }
 
 QString marqueeText(const Track* playing, double duration) {
     if (!playing)
         return QStringLiteral("Quorel");
-    const QString label = rowLabel(*playing);
+    const QString label = isolated(rowLabel(*playing));
     return duration > 0 ? QStringLiteral("%1 (%2)").arg(label, formatTime(duration)) : label;
 }
 

@@ -15,6 +15,9 @@ QString rowLabel(const Track& track);
 /// The title alone; without one the file's name stands for it.
 QString titleText(const Track& track);
 
+/// A text that keeps the direction it is written in to itself when it stands within another one.
+QString isolated(const QString& text);
+
 /// The scrolling title: the product's name without a track; the length in seconds, 0 where it is
 /// not known, follows in brackets.
 QString marqueeText(const Track* playing, double duration);

@@ -225,6 +225,9 @@ QIcon PanelStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
                                const QWidget* widget) const {
     if (which == SP_ToolBarHorizontalExtensionButton || which == SP_ToolBarVerticalExtensionButton)
         return iconPixmap(Icon::ChevronDown, px(16), Theme::text, 1);
+    if (which == SP_MessageBoxWarning)
+        return iconPixmap(Icon::Warning, px(32), Theme::gold,
+                          widget ? widget->devicePixelRatioF() : 1);
     return QProxyStyle::standardIcon(which, option, widget);
 }
 

@@ -111,6 +111,9 @@ TEST_F(TabsTest, QuestionsBeforeTracksGo) {
     EXPECT_EQ(answer(QStringLiteral("Cancel")),
               "Close playlist \"Letters\" — this can't be undone?|3 tracks?|Close Playlist|Cancel");
     EXPECT_EQ(controller->playlistCount(), 2);
+    QTest::mousePress(&tabs(), Qt::MiddleButton, {}, tabs().tabRect(0).center());
+    QTest::mouseRelease(&tabs(), Qt::MiddleButton, {}, tabs().tabRect(1).center());
+    EXPECT_EQ(answer({}), "none") << "pressed on another";
     QTest::mouseClick(&tabs(), Qt::MiddleButton, {}, tabs().tabRect(1).center());
     answer(QStringLiteral("Close Playlist"));
     EXPECT_EQ(controller->playlistCount(), 1);
@@ -141,6 +144,16 @@ TEST_F(TabsTest, SwitchingAndScrolling) {
     }
     EXPECT_TRUE(seen(9)) << "by the wheel";
     EXPECT_EQ(shown(), "C");
+    area->list().setFocus();
+    tabs().setFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(seen(2)) << "where the focus is";
+    QTest::keyClick(&tabs(), Qt::Key_End);
+    EXPECT_TRUE(seen(9));
+    EXPECT_EQ(shown(), "J");
+    typeName("A name that needs more room than the tab has");
+    EXPECT_TRUE(seen(0));
+    EXPECT_GT(field()->width(), tabs().tabRect(0).width());
+    QTest::keyClick(field(), Qt::Key_Escape);
 }
 
 TEST_F(TabsTest, ToolbarFollowsTheController) {

@@ -29,6 +29,10 @@ TEST(Texts, TitleOfATrack) {
         {track("/m/a.mp3", "Blue"), 0, "Blue", "Blue"},
         {track("/m/a b.mp3", "", "Ann"), 3600, "Ann - a b", "Ann - a b (1:00:00)"},
         {track("/m/.flac"), 0.4, ".flac", ".flac (0:00)"},
+        {track("/m/a.mp3", "Two\nlines\r\n", "A\tnn\x1b"), 0, "A nn  - Two lines  ",
+         "A nn  - Two lines  "},
+        {track("/m/a.mp3", "שלום"), 9, "שלום", "\u2068שלום\u2069 (0:09)"},
+        {track("/m/a.mp3", "a \u202e b"), 9, "a \u202e b", "\u2068a \u202e b\u2069 (0:09)"},
     };
     for (const auto& row : kCases) {
         EXPECT_EQ(rowLabel(row.track).toStdString(), row.label);
