@@ -3,6 +3,7 @@
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Network Svg Test Widgets)
 find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
+pkg_check_modules(FONTCONFIG REQUIRED IMPORTED_TARGET fontconfig>=2.14)
 pkg_check_modules(FFTW REQUIRED IMPORTED_TARGET fftw3f>=3.3)
 pkg_check_modules(FLAC REQUIRED IMPORTED_TARGET flac>=1.4)
 pkg_check_modules(RAPIDJSON REQUIRED IMPORTED_TARGET RapidJSON>=1.1)

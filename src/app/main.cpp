@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <fontconfig/fontconfig.h>
 #include <future>
 
 using namespace quorel;
@@ -44,12 +45,15 @@ int main(int argc, char* argv[]) {
     }
     // Meanwhile Qt connects to the display.
     auto loading = std::async(std::launch::async, LoadedState::of, stateFile);
+    // The fonts' configuration is some sixty files, which the first text would read.
+    const auto fonts = std::async(std::launch::async, ::FcInit);
     const QtMessageHandler usual = qInstallMessageHandler(sayWithoutDisplay);
     QApplication application(argc, argv);
     qInstallMessageHandler(usual);
     QApplication::setApplicationName(QStringLiteral("Quorel"));
     QApplication::setApplicationVersion(QStringLiteral(QUOREL_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("quorel"));
+    fonts.wait(); // whoever comes before its end reads everything once more
     applyTheme(application);
     QuorelApp app(line, stateFile, std::move(loading), instance);
     app.show();

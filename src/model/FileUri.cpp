@@ -47,4 +47,12 @@ std::optional<QString> pathOfFileUri(const QString& uri) {
     return pathFromBytes(bytes);
 }
 
+QStringList pathsOfUriList(const QByteArray& list) {
+    QStringList paths;
+    for (const QByteArray& line : list.split('\n'))
+        if (const auto path = pathOfFileUri(QString::fromUtf8(line.trimmed())))
+            paths += *path;
+    return paths;
+}
+
 } // namespace quorel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace quorel {
@@ -12,5 +12,9 @@ QString fileUri(const QString& path);
 
 /// The path that a file URI of this machine names; nothing where it is none or is badly encoded.
 std::optional<QString> pathOfFileUri(const QString& uri);
+
+/// The paths that a list of URIs names (text/uri-list: one a line), in its order; lines that name
+/// none are passed over. Any thread.
+QStringList pathsOfUriList(const QByteArray& list);
 
 } // namespace quorel

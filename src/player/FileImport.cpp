@@ -37,7 +37,7 @@ FileImport::Found collect(const QStringList& paths, ImportTarget target,
 
 } // namespace
 
-void FileImport::request(const QStringList& paths, ImportTarget target) {
+void FileImport::request(Paths paths, ImportTarget target) {
     const auto tell = [this, alive = std::weak_ptr(alive_)](qsizetype files) {
         clock_.post([this, alive, files] {
             if (alive.expired() || requests_.empty())
@@ -48,8 +48,8 @@ void FileImport::request(const QStringList& paths, ImportTarget target) {
     };
     requests_.push_back(queue_.post(
         SerialQueue::Priority::Ordinary,
-        [paths, target, tell](const std::stop_token& stop) {
-            return collect(paths, target, {stop, tell});
+        [paths = std::move(paths), target, tell](const std::stop_token& stop) {
+            return collect(paths(), target, {stop, tell});
         },
         [this](Found found) { ended(std::move(found)); }));
     events_.progressed();

@@ -38,12 +38,15 @@ class FileImport {
         std::function<void()> progressed;
     };
 
+    /// Says what to collect from; called once, on the queue.
+    using Paths = std::function<QStringList()>;
+
     FileImport(SerialQueue& queue, Clock& clock, Events events)
         : queue_(queue)
         , clock_(clock)
         , events_(std::move(events)) {}
 
-    void request(const QStringList& paths, ImportTarget target);
+    void request(Paths paths, ImportTarget target);
     /// Drops what is under way and what waits.
     void cancel();
 

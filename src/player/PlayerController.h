@@ -135,6 +135,8 @@ class PlayerController : public QObject {
     /// Collects what stands in and below these paths in the background and then adds it as said;
     /// what was asked for first comes first. Playlist files open as playlists of their own.
     void importPaths(const QStringList& paths, const ImportTarget& target);
+    /// The same for the local files of a list of URIs (text/uri-list).
+    void importUriList(const QByteArray& list, const ImportTarget& target);
     /// The playlist file as a new tab.
     void loadPlaylist(const QString& file, PlaylistFileDone done = {});
     /// Writes the playlist, as it is now, in the background.

@@ -1,5 +1,6 @@
 // The controller's operations on playlists, their tracks, and files.
 #include "media/M3U8.h"
+#include "model/FileUri.h"
 #include "model/Path.h"
 #include "player/PlayerController.h"
 #include "player/PlayerCore.h"
@@ -216,11 +217,11 @@ std::optional<QUuid> PlayerController::newPlaylist(const QStringList& files, con
 }
 
 void PlayerController::importPaths(const QStringList& paths, const ImportTarget& target) {
-    const Core::Operation operation(*core_);
-    ImportTarget resolved = target;
-    if (resolved.playlist.isNull())
-        resolved.playlist = activePlaylistID();
-    core_->import.request(paths, resolved);
+    core_->importFiles([paths] { return paths; }, target);
+}
+
+void PlayerController::importUriList(const QByteArray& list, const ImportTarget& target) {
+    core_->importFiles([list] { return pathsOfUriList(list); }, target);
 }
 
 void PlayerController::loadPlaylist(const QString& file, PlaylistFileDone done) {

@@ -84,6 +84,7 @@ struct PlayerController::Core {
     QUuid addTab(const QString& name, QList<Track> tracks);
     void listEdited(TrackList& list, const TracksEdit& edit, std::optional<qsizetype> cursorRow);
     void dataChanged(const TrackList& list, std::vector<RowRange> rows);
+    void importFiles(FileImport::Paths paths, ImportTarget target);
     void land(FileImport::Found found);
 
     // --- Background ------------------------------------------------------------------------------

@@ -103,6 +103,13 @@ void PlayerController::Core::dataChanged(const TrackList& list, std::vector<RowR
     changes.data.push_back({list.id(), std::move(rows)});
 }
 
+void PlayerController::Core::importFiles(FileImport::Paths paths, ImportTarget target) {
+    const Operation operation(*this);
+    if (target.playlist.isNull())
+        target.playlist = tabs.active().id();
+    import.request(std::move(paths), target);
+}
+
 /// What was collected goes where it was meant to, unless that is gone.
 void PlayerController::Core::land(FileImport::Found found) {
     const Operation operation(*this);

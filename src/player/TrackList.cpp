@@ -137,14 +137,16 @@ TracksEdit TrackList::restore(RemovedTracks removed) {
     for (std::size_t i = 0; i < removed.rows.size(); ++i)
         removed.rows[i] = std::min(removed.rows[i], before + qsizetype(i));
     TracksEdit edit{TracksEdit::Kind::Inserted, rangesOf(removed.rows)};
-    for (Track& track : removed.tracks)
-        while (contains(track.id))
-            track.id = QUuid::createUuid();
+    const bool isAtEnd = removed.rows.front() == before;
+    if (!isAtEnd) { // else they are the last to be indexed, which gives them new ids where needed
+        for (Track& track : removed.tracks)
+            while (contains(track.id))
+                track.id = QUuid::createUuid();
+    }
     if (before == 0)
         playlist_.tracks = std::move(removed.tracks); // appended, each would be moved by itself
     else
         playlist_.tracks.append(std::move(removed.tracks));
-    const bool isAtEnd = removed.rows.front() == before;
     if (!isAtEnd)
         scatter(playlist_.tracks.data(), edit.ranges, size());
     reindex(isAtEnd ? before : 0);

@@ -218,11 +218,8 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    const QStringList paths = pathsOf(*event->mimeData());
-    if (paths.isEmpty())
-        return;
     event->acceptProposedAction();
-    player_.importPaths(paths, {});
+    addDropped(player_, *event->mimeData(), {});
 }
 
 } // namespace quorel

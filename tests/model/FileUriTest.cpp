@@ -28,6 +28,14 @@ TEST(FileUri, isReadInItsOtherForms) {
     EXPECT_EQ(pathOfFileUri(QStringLiteral("file:///Bj\u00F6rk")), QStringLiteral("/Bj\u00F6rk"));
 }
 
+TEST(FileUri, areFoundInAListOfThem) {
+    EXPECT_EQ(pathsOfUriList("# a comment\r\nfile:///b.mp3\r\nhttp://host/c.mp3\r\n\r\n"
+                             "file:///a%20b.mp3\nfile:///b.mp3"),
+              (QStringList{QStringLiteral("/b.mp3"), QStringLiteral("/a b.mp3"),
+                           QStringLiteral("/b.mp3")}));
+    EXPECT_EQ(pathsOfUriList(""), QStringList());
+}
+
 TEST(FileUri, ofAnotherKindOrMachineIsNone) {
     for (const char* uri : {"", "file", "file:", "file://", "file:a.mp3", "file://host/a.mp3",
                             "file://host", "http://host/a.mp3", "/a.mp3", "file:///a%0",

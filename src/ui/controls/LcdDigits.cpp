@@ -46,25 +46,35 @@ QTransform placement(const QRectF& area, const QString& places) {
     return QTransform::fromScale(scale, scale) * QTransform::fromTranslate(left, top);
 }
 
-/// What is lit, with its glow, over the segments that are not.
-QPixmap pictureOf(const QPainterPath& lit, const QPainterPath& all, double dark,
-                  double pixelsPerUnit, const QSize& pixels) {
+QImage clearImage(const QSize& pixels) {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    {
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillPath(lit, Theme::lcd);
-    }
-    const int radius = std::max(2, qRound(3.2 * pixelsPerUnit));
-    const QImage glow = glowOf(image, Theme::lcd, radius);
+    return image;
+}
+
+QImage imageOf(const QPainterPath& shape, const QSize& pixels) {
+    QImage image = clearImage(pixels);
     QPainter painter(&image);
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
-    painter.setOpacity(0.85);
-    painter.drawImage(0, 0, glow);
-    painter.setOpacity(1);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(all, Theme::faded(Theme::lcd, dark));
+    painter.fillPath(shape, Theme::lcd);
+    return image;
+}
+
+/// What is lit, with its glow, over the segments that are not. Of whole images, as Qt hands
+/// translucent shapes out to threads piece by piece.
+QPixmap pictureOf(const QPainterPath& lit, const QPainterPath& all, double dark,
+                  double pixelsPerUnit, const QSize& pixels) {
+    const QImage light = imageOf(lit, pixels);
+    const int radius = std::max(2, qRound(3.2 * pixelsPerUnit));
+    QImage image = clearImage(pixels);
+    QPainter painter(&image);
+    painter.setOpacity(dark);
+    painter.drawImage(0, 0, imageOf(all, pixels));
+    painter.setOpacity(0.85);
+    painter.drawImage(0, 0, glowOf(light, Theme::lcd, radius));
+    painter.setOpacity(1);
+    painter.drawImage(0, 0, light);
+    painter.end();
     return QPixmap::fromImage(image);
 }
 

@@ -4,7 +4,7 @@
 #include "ui/controls/MarqueePath.h"
 #include "ui/theme/Theme.h"
 
-#include <QPixmap>
+#include <QImage>
 #include <QWidget>
 #include <memory>
 
@@ -16,7 +16,8 @@ class MarqueeLabel final : public QWidget {
     Q_OBJECT
 
   public:
-    static constexpr Clock::Duration kFrame = std::chrono::milliseconds(33);
+    /// A step is one unit long: fewer of them would jerk, more would only cost more.
+    static constexpr Clock::Duration kFrame = std::chrono::milliseconds(50);
 
     /// The clock outlives the label.
     explicit MarqueeLabel(Clock& clock, QWidget* parent = nullptr);
@@ -43,8 +44,7 @@ class MarqueeLabel final : public QWidget {
   private:
     double textWidth() const;
     QColor ink() const;
-    QPixmap wholeText() const;
-    QPixmap edgeAt(const QRect& piece, bool isLeft, double hidden) const;
+    QImage wholeText() const;
     void paintMoving();
     void restart();
     void step();
@@ -55,8 +55,9 @@ class MarqueeLabel final : public QWidget {
     MarqueePath path_;
     Clock::Duration start_{0};
     double offset_ = 0;
-    QPixmap moving_;               ///< the whole text while it moves
-    std::unique_ptr<Timer> timer_; ///< until the end of a rest, or for the next frame
+    QImage moving_;                ///< the whole text while it moves
+    std::unique_ptr<Timer> timer_; ///< until the end of a rest, or for each frame
+    bool glides_ = false;          ///< the timer is that of the frames
 };
 
 } // namespace quorel

@@ -10,7 +10,7 @@ namespace quorel {
 /// there, glides back, and so on.
 struct MarqueePath {
     static constexpr Clock::Duration kRest = std::chrono::seconds(2);
-    static constexpr double kSpeed = 30; ///< base units a second
+    static constexpr double kSpeed = 20; ///< base units a second
 
     double excess = 0; ///< how much longer the text is than its room, base units
 

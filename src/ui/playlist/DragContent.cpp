@@ -42,18 +42,10 @@ bool hasFiles(const QMimeData& dragged) {
     return dragged.hasFormat(uriList());
 }
 
-QStringList pathsOf(const QMimeData& dragged) {
-    QStringList paths;
-    for (const QByteArray& line : dragged.data(uriList()).split('\n'))
-        if (const auto path = pathOfFileUri(QString::fromUtf8(line.trimmed())))
-            paths += *path;
-    return paths;
-}
-
 void addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target) {
     const auto* const rows = qobject_cast<const DraggedTracks*>(&dropped);
     if (!rows) {
-        player.importPaths(pathsOf(dropped), target);
+        player.importUriList(dropped.data(uriList()), target);
         return;
     }
     switch (target.kind) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "player/FileImport.h"
+
 #include <QMimeData>
 #include <QStringList>
 #include <QUuid>
@@ -7,7 +9,6 @@
 namespace quorel {
 
 class PlayerController;
-struct ImportTarget;
 
 /// Rows of a playlist that are being dragged. To other programs they are files, whose addresses are
 /// only made when someone asks for them: there may be a hundred thousand.
@@ -48,9 +49,6 @@ class DraggedPlaylist final : public QMimeData {
 
 /// Whether files are being dragged; their names are not looked at.
 bool hasFiles(const QMimeData& dragged);
-
-/// The local files that are dragged, their bytes kept (model/Path.h).
-QStringList pathsOf(const QMimeData& dragged);
 
 /// Adds what was dropped there, where a gap is one of the active playlist. Files are collected
 /// first; rows from another playlist come as they stand there.
