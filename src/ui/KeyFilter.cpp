@@ -50,9 +50,6 @@ FocusContext KeyFilter::contextOf(Qt::Key key) const {
     // It has the focus while it is walked through with the Alt key.
     if (focus && isOneOf<QMenuBar>(focus))
         return {FocusKind::ArrowControl, true};
-    // Those of the settings take the focus when they are clicked, for the arrows to go on there.
-    if (focus && isOneOf<ValueSlider>(focus) && (focus->focusPolicy() & Qt::ClickFocus) != 0)
-        return {FocusKind::ArrowControl, true};
     if (focus && isOneOf<ValueSlider, QAbstractSlider, QComboBox, QTabBar>(focus))
         return {FocusKind::ArrowControl, hasArrows(focus)};
     if (focus && focus == enteredList_ && (key == Qt::Key_Up || key == Qt::Key_Down))

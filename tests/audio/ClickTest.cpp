@@ -1,6 +1,9 @@
 // No transport action may click: what a steady tone leaves far from its own frequency.
 #include "EngineFixture.h"
+#include "audio/rt/PeakLimiter.h"
 #include "support/Spectrum.h"
+
+#include <limits>
 
 namespace quorel::test {
 namespace {
@@ -71,6 +74,38 @@ TEST_P(Click, nothingOfOneTrackIsHeardInTheNext) {
             first = out;
     }
     EXPECT_EQ(out, first);
+}
+
+// Through every unit, each of them with gain.
+TEST_P(Click, badSamplesAreGoneWithinASecond) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    const auto rendered = [this](Samples samples, int rate) {
+        OfflineRenderer fresh({rate, rt::ChannelLayout::usual(2)});
+        AudioEngine& player = fresh.engine();
+        for (int band = 0; band < 10; ++band)
+            player.setEQGain(band, band % 2 ? 12 : -12);
+        player.setEqEnabled(true);
+        player.setCompressor(true, CompressorPreset::Radio);
+        player.setLoudness(true, 0, LoudnessStrength::Strong);
+        EXPECT_FALSE(player.load(track(stereo(std::move(samples), rate)), 0));
+        out.clear();
+        fresh.render(3 * rate, out);
+        return out;
+    };
+    for (const int rate : {8000, 48000, 192000}) {
+        const auto second = static_cast<std::size_t>(rate);
+        const Samples good = music(3 * rate);
+        const Samples expected = rendered(good, rate);
+        for (const float bad : {std::nanf(""), kInfinity, -kInfinity, 3e38F, -1e4F, 1e-42F}) {
+            Samples damaged = good;
+            std::fill_n(damaged.begin() + rate, 200, bad);
+            const Samples heard = rendered(damaged, rate);
+            for (const float x : heard)
+                ASSERT_LE(std::abs(x), rt::PeakLimiter::kCeiling) << bad;
+            for (std::size_t i = 2 * 2 * second; i < heard.size(); ++i)
+                ASSERT_NEAR(heard[i], expected[i], 0.03) << rate << ' ' << bad;
+        }
+    }
 }
 
 } // namespace

@@ -45,12 +45,6 @@ class EngineTest : public testing::TestWithParam<int> {
     }
     /// What the chain at rest makes of a sample: the limiter's pre-gain.
     static float atRest(float sample) { return sample * std::pow(10.0F, -0.8F / 20.0F); }
-    /// The frame number that a rendered ramp sample stands for, or -1 for silence.
-    static int64_t rampFrame(float sample) {
-        return std::llround(static_cast<double>(sample) / std::pow(10.0, -0.8 / 20.0) * 1048576.0) -
-               1;
-    }
-
     /// How many of `count` frames from `at` on are not the ramp from its frame `first` on.
     int64_t wrongFrames(int64_t at, int64_t count, int64_t first) const {
         int64_t wrong = 0;

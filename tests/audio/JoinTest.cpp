@@ -1,5 +1,6 @@
 // Joins through the rate converter: what was cut must come out as if it had never been cut.
 #include "EngineFixture.h"
+#include "audio/decode/EncodedFiles.h"
 
 namespace quorel::test {
 namespace {
@@ -62,26 +63,88 @@ TEST_P(Join, cutsAtOddFramesDoNotShow) {
 
 TEST_P(Join, aTrackTakenBackLeavesTheConverterAsItWas) {
     const Samples whole = music(220500);
-    const Samples other(2 * 44100, 0.7F);
     const int64_t rendered = 300000;
+    const auto piece = [&](int64_t from, int64_t to) {
+        return track(stereo(part(whole, from, to), 44100));
+    };
     const Samples expected = uncut(whole, 44100, rendered);
     const Samples alone = uncut(part(whole, 0, 132301), 44100, rendered);
     for (const double after : {0.1, 1.5, 2.6}) { // before, while and after the other one is decoded
         for (const bool another : {true, false}) {
             out.clear();
-            ASSERT_TRUE(load(track(stereo(part(whole, 0, 132301), 44100))));
-            ASSERT_TRUE(engine.preloadNext(track(stereo(other, 44100))));
+            ended.clear();
+            ASSERT_TRUE(load(piece(0, 132301)));
+            ASSERT_TRUE(engine.preloadNext(track(stereo(Samples(2 * 44100, 0.7F), 44100))));
             render(after);
             engine.discardQueued();
+            EXPECT_FALSE(engine.hasQueued());
             if (another) {
-                ASSERT_TRUE(engine.preloadNext(track(stereo(part(whole, 132301, 220500), 44100))));
+                ASSERT_TRUE(engine.preloadNext(piece(132301, 220500)));
             }
             renderFrames(rendered - std::llround(after * kRate));
             EXPECT_LT(worstDifference(out, another ? expected : alone), another ? 1e-6 : 1e-3)
                 << after << ' ' << another;
+            EXPECT_EQ(ended.size(), 1U);
             engine.stop(0);
             render(1);
         }
+    }
+    EXPECT_EQ(discarded, 6);
+}
+
+// Two real files: what is heard is the one's frames and then the other's, with nothing between
+// them, whatever the codec puts before and behind its sound.
+
+constexpr int64_t kFirst = 87013;
+constexpr int64_t kSecond = 113988;
+constexpr int kEncodedRate = 44100;
+
+class EncodedJoin : public EncodedFileTest {
+  protected:
+    static TrackToPlay trackOf(std::shared_ptr<AudioFile> file) {
+        return {std::move(file), QUuid::createUuid(), 0, {}, 1};
+    }
+    static Samples render(const std::vector<std::shared_ptr<AudioFile>>& files) {
+        OfflineRenderer offline({kEncodedRate, rt::ChannelLayout::usual(2)});
+        EXPECT_FALSE(offline.engine().load(trackOf(files.front()), 0));
+        EXPECT_TRUE(files.size() == 1 || offline.engine().preloadNext(trackOf(files.back())));
+        Samples out;
+        offline.render(kFirst + kSecond + kEncodedRate, out);
+        return out;
+    }
+};
+
+TEST_F(EncodedJoin, isOneSoundAndThenTheOther) {
+    const std::pair<const char*, std::vector<std::string>> cases[] = {
+        {"lame.mp3", {"-c:a", "libmp3lame", "-q:a", "2"}},
+        {"aac.m4a", {"-c:a", "aac"}},
+        {"aac.m4b", {"-c:a", "aac", "-f", "ipod"}},
+        {"alac.caf", {"-c:a", "alac"}},
+        {"best.flac", {"-c:a", "flac"}},
+        {"pcm.wav", {"-c:a", "pcm_s16le"}},
+    };
+    TestSound pieces[] = {TestSound(kFirst + kSecond, 2, 16), TestSound(0, 2, 16)};
+    const auto cut = pieces[0].samples.begin() + 2 * kFirst;
+    pieces[1].samples.assign(cut, pieces[0].samples.end());
+    pieces[0].samples.erase(cut, pieces[0].samples.end());
+    for (const auto& [name, options] : cases) {
+        std::vector<std::shared_ptr<AudioFile>> files;
+        Samples decoded;
+        for (const TestSound& piece : pieces) {
+            const std::string bytes = encodeWith(folder, name, piece, options);
+            files.push_back(
+                AudioFile::open(folder.write(std::to_string(files.size()) + name, bytes)).file);
+            ASSERT_TRUE(files.back()) << name;
+            const Samples sound = readAll(*files.back());
+            ASSERT_EQ(sound.size(), piece.samples.size()) << name;
+            decoded.insert(decoded.end(), sound.begin(), sound.end());
+            files.back()->seek(0);
+        }
+        const Samples joined = render(files);
+        const Samples uncut = render({std::make_shared<MadeFile>(kEncodedRate, 2, decoded)});
+        const auto apart = std::mismatch(joined.begin(), joined.end(), uncut.begin(), uncut.end());
+        EXPECT_EQ((apart.first - joined.begin()) / 2, kFirst + kSecond + kEncodedRate)
+            << "first frame that differs in " << name;
     }
 }
 

@@ -132,29 +132,6 @@ TEST_P(Transport, seekWhileQueuedThrowsTheQueuedTrackAway) {
     EXPECT_EQ(ended.size(), 1U);
 }
 
-TEST_P(Transport, discardedTrackLeavesNoTrace) {
-    // Whether the queued track has been decoded already (the ring holds 2 s) or not, and whether
-    // another one takes its place.
-    for (const double after : {0.1, 2.5}) {
-        for (const bool another : {false, true}) {
-            out.clear();
-            ended.clear();
-            ASSERT_TRUE(load(track(stereo(ramp(144000)))));
-            ASSERT_TRUE(engine.preloadNext(track(stereo(ramp(48000, 500000)))));
-            render(after);
-            engine.discardQueued();
-            EXPECT_FALSE(engine.hasQueued());
-            if (another) {
-                EXPECT_TRUE(engine.preloadNext(track(stereo(ramp(48000, 144000)))));
-            }
-            render(5.0 - after);
-            EXPECT_EQ(wrongFrames(0, another ? 192000 : 144000, 0), 0) << after << ' ' << another;
-            EXPECT_EQ(ended.size(), 1U);
-        }
-    }
-    EXPECT_EQ(discarded, 4);
-}
-
 TEST_P(Transport, aFileThatGivesOutEarlyEndsThere) {
     const auto broken = std::make_shared<MadeFile>(kRate, 2, ramp(60000), 300000);
     ASSERT_TRUE(load(track(broken)));

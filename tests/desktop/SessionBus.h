@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/EventLoop.h"
 #include "support/ChildProcess.h"
+#include "support/EventLoop.h"
 #include "support/TestFolder.h"
 
 #include <QDBusArgument>
@@ -25,7 +25,7 @@ class SessionBus {
         std::array<char, 1000> line{};
         address_ = QByteArray(line.data(), ::read(pipe[0], line.data(), line.size())).trimmed();
         ::close(pipe[0]);
-        spinUntil([] { return true; }); // makes the application object
+        application();
         client = connection("client");
         EXPECT_TRUE(client.isConnected());
     }
@@ -36,6 +36,13 @@ class SessionBus {
         return QDBusConnection::connectToBus(address, QLatin1String(name) + address);
     }
 
+    /// Waits until the bus has heard what was sent on that connection before.
+    static void ping(const QDBusConnection& connection) {
+        const QDBusPendingCall pending = connection.asyncCall(QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+        EXPECT_TRUE(spinUntil([&] { return pending.isFinished(); }));
+    }
     /// The reply of the player; an error as an error message.
     QDBusMessage call(const QString& interface, const char* method, const QVariantList& arguments) {
         QDBusMessage message =

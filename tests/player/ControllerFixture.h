@@ -15,6 +15,19 @@
 
 namespace quorel::test {
 
+/// A window that notes what it is told: small letters for off.
+struct NotedWindow final : PlayerWindow {
+    void setAlwaysOnTop(bool on) override { log += on ? "T" : "t"; }
+    void setPlaylistShown(bool on, bool) override { log += on ? "P" : "p"; }
+    void setFullScreen(bool on) override { log += on ? "F" : "f"; }
+    void setScale(double scale, bool) override { log += std::to_string(int(scale * 10)); }
+    void setWordmarkIcon(bool on) override { log += on ? "W" : "w"; }
+    void raiseWindow() override { log += "r"; }
+    std::string takeLog() { return std::exchange(log, {}); }
+
+    std::string log;
+};
+
 /// The controller with a fake engine, on the manual clock. Tracks are letters: 'A' is the file /A,
 /// 20 s long at 8 kHz; those of `missing` cannot be opened, those of `odd` have another rate.
 class ControllerTest : public testing::Test {

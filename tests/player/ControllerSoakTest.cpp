@@ -1,16 +1,13 @@
 // Long random use of the controller: on the manual clock with an engine without sound, then with
-// the real one, and in real time with all its threads.
+// the real one in real time with all its threads.
 #include "player/ControllerSoak.h"
 
 #include "audio/AudioEngine.h"
-#include "audio/output/MemoryOutput.h"
 #include "audio/output/NullOutput.h"
 #include "core/QtClock.h"
 #include "player/ControllerFixture.h"
 #include "support/AudioFixtures.h"
-
-#include <QCoreApplication>
-#include <thread>
+#include "support/EventLoop.h"
 
 using namespace quorel;
 using namespace quorel::test;
@@ -35,44 +32,6 @@ void use(std::unique_ptr<PlayerController>& player, const QString& stateFile, in
 
 class ControllerSoakTest : public ControllerTest, public testing::WithParamInterface<quint64> {};
 
-/// Short files that play, and some that do not.
-class SoundingSoakTest : public testing::Test {
-  protected:
-    SoundingSoakTest() {
-        for (int i = 0; i < 8; ++i)
-            write(i,
-                  {.sampleRate = i % 4 == 1 ? 48000 : 44100,
-                   .after = chunk("LIST", "INFO" + chunk("INAM", "Track " + std::to_string(i)))},
-                  TestSound(2000 + 5000 * i, 2, 16));
-        write(8, {}, TestSound(9000, 1, 16));
-        files += pathFromBytes(folder.write("music/broken.wav", "RIFF"));
-        files += pathFromBytes(folder.path("music/missing.wav"));
-    }
-    void write(int number, const WavRecipe& recipe, const TestSound& sound) {
-        files += pathFromBytes(folder.write("music/" + QByteArray::number(number) + " track.wav",
-                                            QByteArray::fromStdString(wavBytes(sound, recipe))));
-    }
-    QString stateFile() const { return pathFromBytes(folder.path("state.json")); }
-    void launch(Clock& clock, SerialQueue::Mode mode, std::unique_ptr<PlayerEngine> engine) {
-        player = std::make_unique<PlayerController>(
-            PlayerParts{.clock = clock,
-                        .engine = std::move(engine),
-                        .stateFile = stateFile(),
-                        .queues = mode,
-                        .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
-        player->start(false);
-    }
-    ControllerSoak::Surroundings surroundings(std::function<void(double)> pass,
-                                              double longestPause) const {
-        return {files, pathFromBytes(folder.path("music")), pathFromBytes(folder.path("list.m3u8")),
-                std::move(pass), longestPause};
-    }
-
-    TestFolder folder;
-    QStringList files;
-    std::unique_ptr<PlayerController> player;
-};
-
 } // namespace
 
 TEST_P(ControllerSoakTest, KeepsItsInvariants) {
@@ -91,44 +50,38 @@ TEST_P(ControllerSoakTest, KeepsItsInvariants) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, ControllerSoakTest, testing::Values(1, 2, 3, 4));
 
-TEST_F(SoundingSoakTest, RealEngineOnTheManualClock) {
-    ManualClock clock;
-    auto output =
-        std::make_unique<MemoryOutput>(clock, rt::Format{48000, rt::ChannelLayout::usual(2)}, 1000);
-    MemoryOutput& sound = *output;
-    auto made = std::make_unique<AudioEngine>(clock, std::move(output), SourceWorker::Mode::Pumped);
-    AudioEngine& engine = *made;
-    launch(clock, SerialQueue::Mode::Pumped, std::move(made));
-    const auto pass = [&](double seconds) {
-        Samples heard;
-        for (int left = int(seconds * 100); left > 0; --left) {
-            do
-                clock.runPosted();
-            while (PlayerControllerInsides::pumpQueues(*player));
-            engine.pumpSource();
-            heard.clear();
-            sound.render(480, heard);
-            clock.advance(std::chrono::milliseconds(10));
-        }
+// Short files that play, and some that do not.
+TEST(SoundingSoak, RealEngineInRealTime) {
+    const TestFolder folder;
+    QStringList files;
+    const auto write = [&](int number, const WavRecipe& recipe, const TestSound& sound) {
+        files += pathFromBytes(folder.write("music/" + QByteArray::number(number) + " track.wav",
+                                            QByteArray::fromStdString(wavBytes(sound, recipe))));
     };
-    use(player, stateFile(), 500, 5, surroundings(pass, 2));
-}
+    for (int i = 0; i < 8; ++i)
+        write(i,
+              {.sampleRate = i % 4 == 1 ? 48000 : 44100,
+               .after = chunk("LIST", "INFO" + chunk("INAM", "Track " + std::to_string(i)))},
+              TestSound(2000 + 5000 * i, 2, 16));
+    write(8, {}, TestSound(9000, 1, 16));
+    files += pathFromBytes(folder.write("music/broken.wav", "RIFF"));
+    files += pathFromBytes(folder.path("music/missing.wav"));
 
-TEST_F(SoundingSoakTest, RealEngineInRealTime) {
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name, nullptr};
-    const QCoreApplication application(argc, argv);
+    application();
     QtClock clock;
-    launch(clock, SerialQueue::Mode::Threaded,
-           std::make_unique<AudioEngine>(clock, std::make_unique<NullOutput>(clock),
-                                         SourceWorker::Mode::Threaded));
+    const QString stateFile = pathFromBytes(folder.path("state.json"));
+    auto player = std::make_unique<PlayerController>(PlayerParts{
+        .clock = clock,
+        .engine = std::make_unique<AudioEngine>(clock, std::make_unique<NullOutput>(clock),
+                                                SourceWorker::Mode::Threaded),
+        .stateFile = stateFile,
+        .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
+    player->start(false);
     const auto pass = [&clock](double seconds) {
         const auto end = clock.now() + std::chrono::nanoseconds(std::llround(seconds * 1e9));
-        do {
-            QCoreApplication::processEvents();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        } while (clock.now() < end);
+        spinUntil([&] { return clock.now() >= end; });
     };
-    use(player, stateFile(), 500, 6, surroundings(pass, 0.1));
+    use(player, stateFile, 500, 6,
+        {files, pathFromBytes(folder.path("music")), pathFromBytes(folder.path("list.m3u8")), pass,
+         0.1});
 }

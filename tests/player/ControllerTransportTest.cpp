@@ -10,7 +10,8 @@ using Mode = PlaybackMode;
 class ControllerTransport : public ControllerTest {
   protected:
     /// A letter plays that track, n next, p previous, e the track ends by itself, s stop, t play
-    /// button; the letter playing after each, '-' where it stopped.
+    /// button, x it is removed, a digit seeks to that second; the letter playing after each, '-'
+    /// where it stopped.
     std::string after(std::string_view commands) {
         std::string letters;
         for (const char command : commands) {
@@ -22,6 +23,10 @@ class ControllerTransport : public ControllerTest {
                 controller->prevTrack();
             else if (command == 'e')
                 advance(engine->duration() - engine->currentTime() + 0.25);
+            else if (command >= '1' && command <= '9')
+                controller->seek(command - '0');
+            else if (command == 'x')
+                remove(playing(), 0);
             else if (command == 's')
                 controller->stop();
             else if (command == 't')
@@ -30,6 +35,11 @@ class ControllerTransport : public ControllerTest {
             letters += playing();
         }
         return letters;
+    }
+    void remove(char letter, qsizetype tab) {
+        controller->setActivePlaylist(list(tab));
+        select(std::string(1, letter));
+        controller->removeSelected();
     }
 };
 
@@ -47,10 +57,13 @@ TEST_F(ControllerTransport, WhatFollows) {
         {"the user's end", Mode::Normal, true, "", "Cnn", "CD-"},
         {"goes on after a stop", Mode::Normal, true, "", "Bsnn", "B-CD"},
         {"back, never round", Mode::All, true, "", "Cpppn", "CBAAB"},
+        {"far into a track, to its start", Mode::Normal, true, "", "C5pp3p", "CCCBBA"},
         {"the button begins anew", Mode::Normal, true, "", "Dst", "D-A"},
         {"passes over a missing one", Mode::Normal, true, "B", "Ae", "AC"},
         {"and without joining", Mode::Normal, false, "BC", "Ae", "AD"},
         {"a missing one chosen", Mode::Normal, true, "B", "Be", "CD"},
+        {"round to itself", Mode::All, true, "BCD", "Ae", "AA"},
+        {"back from a removed one", Mode::Normal, true, "", "Cxp", "CCB"},
         {"nothing left", Mode::Normal, true, "CD", "Be", "B-"},
         {"all missing", Mode::All, true, "ABCD", "B", "-"},
         {"one that is missing", Mode::One, true, "B", "Be", "CC"},
@@ -74,6 +87,15 @@ TEST_F(ControllerTransport, ShufflePlaysEachOnceAndGoesBack) {
     const std::string first = after("Ceeneene");
     EXPECT_EQ(std::set(first.begin(), first.end()).size(), 8U) << first;
     EXPECT_EQ(after("pnn"), first.substr(6, 2) + "-");
+    missing = "ADEFGH";
+    EXPECT_EQ(after("Cee"), "CB-") << "passes over what is missing";
+    missing.clear();
+    after("Cx");
+    advance(2);
+    controller->prevTrack();
+    EXPECT_EQ(controller->playback().currentTime(), 0) << "a removed one can only begin anew";
+    controller->undoRemove();
+    controller->stop();
 
     controller->setPlaybackMode(Mode::All);
     for (const char* pass : {"Ceeeeeee", "eeeeeeee"}) {
@@ -211,24 +233,6 @@ TEST_F(ControllerTransport, PlayButton) {
     }
 }
 
-TEST_F(ControllerTransport, KeysSeekAndChangeTheVolume) {
-    launch();
-    const auto press = [this](Qt::Key key) {
-        return controller->handleKey(key, Qt::NoModifier, {});
-    };
-    EXPECT_FALSE(press(Qt::Key_Left)) << "nothing to seek in";
-    play('B');
-    advance(2.9);
-    int nudges = 0;
-    QObject::connect(controller.get(), &PlayerController::keyNudge, [&nudges] { ++nudges; });
-    EXPECT_TRUE(press(Qt::Key_Left));
-    EXPECT_EQ(controller->playback().currentTime(), 0);
-    controller->setVolume(0.98);
-    EXPECT_TRUE(press(Qt::Key_Up));
-    EXPECT_EQ(engine->volume, 1);
-    EXPECT_EQ(nudges, 2);
-}
-
 TEST_F(ControllerTransport, ClosingAndClearingStopWhatPlaysFromThere) {
     saved.playlists = {letters("ABCD"), letters("EFG")};
     launch();
@@ -244,4 +248,34 @@ TEST_F(ControllerTransport, ClosingAndClearingStopWhatPlaysFromThere) {
     EXPECT_EQ(controller->playingPlaylistID(), std::nullopt);
     EXPECT_EQ(controller->playlistCount(), 1);
     EXPECT_EQ(controller->activePlaylistID(), other);
+}
+
+TEST_F(ControllerTransport, ATrackRemovedOnItsWayLeavesTheOneBefore) {
+    saved.playlists = {letters("ABCD"), letters("EFG")};
+    launch();
+    play('B');
+    advance(9);
+    controller->play(idOf('F'), list(1));
+    remove('F', 1);
+    advance(1);
+    EXPECT_EQ(playing(), 'B');
+    controller->setPlaybackMode(PlaybackMode::StopAfter);
+    advance(12);
+    EXPECT_EQ(playing(), '-') << "what was queued before is not any more";
+    controller->nextTrack();
+    advance(0.1);
+    EXPECT_EQ(playing(), 'C');
+}
+
+TEST_F(ControllerTransport, WhatWasQueuedBeforeAndIsRemovedDoesNotPlay) {
+    saved.playlists = {letters("ABCD"), letters("EFG")};
+    launch();
+    play('A');
+    advance(9);
+    controller->play(idOf('F'), list(1));
+    remove('B', 0);
+    clock.advance(std::chrono::seconds(15)); // a slow disk
+    EXPECT_EQ(playing(), 'A');
+    settle();
+    EXPECT_EQ(playing(), 'F');
 }

@@ -4,7 +4,6 @@
 #include "core/Clock.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 
 namespace quorel::test {
@@ -90,7 +89,7 @@ class FakeEngine final : public PlayerEngine {
     void setLoudness(bool on, double atVolume, LoudnessStrength) override {
         loudnessAt = on ? atVolume : -1;
     }
-    void setCompressor(bool value, CompressorPreset) override { compressor = value; }
+    void setCompressor(bool, CompressorPreset) override {}
     const MeterValues& meters() const override { return meters_; }
     void openOutput(const QString& uid) override { output = uid.toStdString(); }
     QList<OutputDevice> outputDevices() const override { return devices; }
@@ -106,7 +105,6 @@ class FakeEngine final : public PlayerEngine {
     bool eqEnabled = false;
     std::array<float, 10> eqGains{};
     double loudnessAt = -1;
-    bool compressor = false;
     std::string output = "closed";
     QList<OutputDevice> devices;
     QString notice;

@@ -46,21 +46,6 @@ TEST(Selection, followsClicks) {
     }
 }
 
-TEST(Selection, staysWithinTheShownList) {
-    TrackList list = listOf("ABCDE");
-    Selection selection;
-    selection.selectAll(list, VisibleRows(std::vector<qint32>{0, 2, 3}));
-    EXPECT_EQ(sorted(selection), "ACD");
-    RemovedTracks removed;
-    list.remove({0, 3}, removed);
-    EXPECT_TRUE(selection.keepOnly(list));
-    EXPECT_EQ(sorted(selection), "C");
-    selection.click(list, idOf('E'), false, false);
-    list.remove({*list.rowOf(idOf('E'))}, removed);
-    selection.click(list, idOf('B'), true, false);
-    EXPECT_EQ(sorted(selection), "B") << "an anchor that is gone is none";
-}
-
 TEST(IdSet, keepsWhatWasNotErased) {
     std::mt19937 random(1);
     IdSet set;

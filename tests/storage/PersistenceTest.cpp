@@ -88,17 +88,6 @@ TEST(Persistence, setsAsideOnceWhatItCouldNotRead) {
     }
 }
 
-TEST(Persistence, setsAsideNothingElse) {
-    const TestFolder folder;
-    Persistence persistence = in(folder);
-    EXPECT_EQ(persistence.load(), std::nullopt);
-    for (int version = 1; version <= 2; ++version) {
-        ASSERT_TRUE(persistence.save(stateOfVersion(version, 1)));
-        EXPECT_EQ(versionOf(persistence.load()), version);
-    }
-    EXPECT_THAT(folder.names(), UnorderedElementsAre(kFile));
-}
-
 TEST(Persistence, leavesASymbolicLinkALink) {
     const std::tuple<const char*, const char*, const char*> kCases[] = {
         {"a", "elsewhere/x.json", "elsewhere/x.json"}, {"b", "c", "elsewhere/new.json"}};

@@ -3,12 +3,8 @@
 #include "audio/AudioEngine.h"
 #include "audio/output/PulseOutput.h"
 #include "core/QtClock.h"
+#include "support/EventLoop.h"
 #include "support/ProcessorWait.h"
-
-#include <QCoreApplication>
-#include <chrono>
-#include <functional>
-#include <thread>
 
 namespace quorel::test {
 
@@ -48,13 +44,6 @@ class LivePlayer {
     }
 
   private:
-    static QCoreApplication& application() {
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        static QCoreApplication app(argc, argv);
-        return app;
-    }
     QCoreApplication& application_ = application();
 
   public:

@@ -50,6 +50,12 @@ inline Samples ramp(int64_t frames, int64_t first = 0) {
     return samples;
 }
 
+/// The frame number that a sample of the left stands for behind the chain at rest, whose limiter
+/// takes 0.8 dB; -1 for silence.
+inline int64_t rampFrame(float sample) {
+    return std::llround(static_cast<double>(sample) / std::pow(10.0, -0.8 / 20.0) * 1048576.0) - 1;
+}
+
 inline Samples tone(int64_t frames, double hertz, int rate, double level = 0.5) {
     Samples samples;
     for (int64_t n = 0; n < frames; ++n) {

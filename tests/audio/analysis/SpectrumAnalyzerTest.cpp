@@ -26,21 +26,6 @@ Bars barsOf(const std::vector<float>& samples) {
     return bars;
 }
 
-// A tone a third of a bin beside bin 21 stands in the bar of bins 14 to 21. Its height follows from
-// the Hann window: sinc(1/3) / (1 - 1/9) of the tone's level.
-TEST(Spectrum, ofATone) {
-    constexpr double kThird = std::numbers::pi / 3;
-    const double lobe = std::sin(kThird) / kThird / (1 - 1.0 / 9);
-    for (const double level : {0.5, 0.05, 0.01}) {
-        const Bars bars = barsOf(sine(level, 1000, 48000, kSize));
-        const double db = 20 * std::log10(level * std::sqrt(2.0 / 3) * lobe);
-        const double expected = std::min((db + 4.0 / 23 * 12 + 62) / 55, 1.0);
-        EXPECT_NEAR(bars[4], expected, 0.001) << level;
-        for (const std::size_t far : {0U, 1U, 9U, 12U, 23U})
-            EXPECT_LT(bars[far], 0.02F) << far << " at " << level;
-    }
-}
-
 /// The bars by the definition of the Fourier transform.
 Bars barsByDefinition(const std::vector<float>& samples) {
     Bars bars;

@@ -32,21 +32,32 @@ inline std::string encodeWith(const TemporaryFolder& folder, const std::string& 
     return readFile(folder.path(name));
 }
 
-/// Reads of odd lengths at 30 places, with some pairs near each other, against a linear decode.
-inline void expectSameFromAnywhere(AudioFile& file, const std::vector<float>& linear) {
-    std::minstd_rand random(5);
-    const int64_t channels = file.channels();
+/// Reads of odd lengths at 30 places, also near both ends, where a pre-roll is cut short and
+/// padding begins, against a linear decode; and what lies behind the end.
+inline void expectSeeksExact(AudioFile& file, const std::vector<float>& linear, unsigned seed = 5) {
+    const int64_t length = std::ssize(linear) / file.channels();
+    std::minstd_rand random(seed);
     for (int i = 0; i < 30; ++i) {
-        const int64_t target = i < 3 ? i * 700 : static_cast<int64_t>(random()) % file.length();
-        const int64_t limit = i % 3 == 0 ? 5000 : 137;
+        const int64_t range = i % 5 == 1 ? std::min<int64_t>(length, 3000) : length;
+        const int64_t within = static_cast<int64_t>(random()) % range;
+        const int64_t target =
+            i % 5 == 2 ? std::max<int64_t>(0, length - 1 - within % 3000) : within;
+        const int64_t wanted = std::min(1 + static_cast<int64_t>(random()) % 3000, length - target);
         ASSERT_TRUE(file.seek(target));
-        EXPECT_EQ(file.position(), target);
-        const std::vector<float> got = readAll(file, limit);
-        ASSERT_EQ(got.size(),
-                  static_cast<std::size_t>(std::min(limit, file.length() - target) * channels));
-        ASSERT_TRUE(std::equal(got.begin(), got.end(), linear.begin() + target * channels))
+        ASSERT_EQ(file.position(), target);
+        const std::vector<float> got = readAll(file, wanted);
+        ASSERT_EQ(std::ssize(got), wanted * file.channels()) << target;
+        ASSERT_TRUE(std::equal(got.begin(), got.end(), linear.begin() + target * file.channels()))
             << "after seeking to " << target;
     }
+    const int64_t nothing = std::max(length, file.length() - 100); // where a broken file is silent
+    for (const int64_t end : {nothing, file.length(), file.length() + 5}) {
+        EXPECT_TRUE(file.seek(end));
+        EXPECT_EQ(file.position(), std::min(end, file.length()));
+        EXPECT_TRUE(readAll(file).empty());
+    }
+    EXPECT_TRUE(file.seek(-7));
+    EXPECT_EQ(file.position(), 0);
 }
 
 } // namespace quorel::test

@@ -1,15 +1,10 @@
+#include "audio/decode/EncodedFiles.h"
 #include "audio/decode/PcmFile.h"
-#include "support/AudioFixtures.h"
 #include "support/AudioMatrix.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <filesystem>
-#include <random>
 #include <thread>
 
 namespace quorel::test {
@@ -85,37 +80,6 @@ void expectExact(const std::vector<float>& played, const MatrixFile& file) {
         << "first sample that differs";
 }
 
-void expectSeeksExact(const MatrixFile& made, const std::vector<float>& linear, unsigned seed) {
-    const auto file = AudioFile::open(made.path).file;
-    ASSERT_TRUE(file);
-    const int64_t length = static_cast<int64_t>(linear.size()) / file->channels();
-    std::minstd_rand random(seed);
-    for (int i = 0; i < 30; ++i) {
-        // Near both ends too, where the pre-roll is cut short and the padding begins.
-        const int64_t range = i % 5 == 1 ? std::min<int64_t>(length, 3000) : length;
-        const int64_t within = static_cast<int64_t>(random()) % range;
-        const int64_t target =
-            i % 5 == 2 ? std::max<int64_t>(0, length - 1 - within % 3000) : within;
-        const int64_t wanted = std::min(1 + static_cast<int64_t>(random()) % 3000, length - target);
-        ASSERT_TRUE(file->seek(target));
-        ASSERT_EQ(file->position(), target);
-        const std::vector<float> got = readAll(*file, wanted);
-        ASSERT_EQ(got.size(), static_cast<std::size_t>(wanted * file->channels())) << target;
-        ASSERT_EQ(std::memcmp(got.data(), linear.data() + target * file->channels(),
-                              got.size() * sizeof(float)),
-                  0)
-            << "seek to " << target;
-    }
-    const int64_t nothing = std::max(length, file->length() - 100); // where a broken file is silent
-    for (const int64_t end : {nothing, file->length(), file->length() + 5}) {
-        EXPECT_TRUE(file->seek(end));
-        EXPECT_EQ(file->position(), std::min(end, file->length()));
-        EXPECT_TRUE(readAll(*file).empty());
-    }
-    EXPECT_TRUE(file->seek(-7));
-    EXPECT_EQ(file->position(), 0);
-}
-
 void expectRefused(const MatrixFile& made) {
     double fastest = 1e9;
     for (int i = 0; i < 3; ++i) { // something else may have run during one
@@ -157,7 +121,7 @@ void expectAsMade(const MatrixFile& made) {
     for (unsigned seed = 1; seed <= 3; ++seed) {
         readers.emplace_back([&, seed] {
             SCOPED_TRACE(made.name);
-            expectSeeksExact(made, linear, seed);
+            expectSeeksExact(*AudioFile::open(made.path).file, linear, seed);
         });
     }
 }

@@ -1,10 +1,7 @@
 #include "audio/output/PulseOutput.h"
 
 #include "OutputFixture.h"
-#include "audio/output/OutputDeviceManager.h"
 #include "support/SoundServerTest.h"
-
-#include <gmock/gmock.h>
 
 #include <algorithm>
 
@@ -127,17 +124,6 @@ TEST_P(PulseOutputTest, SixChannelsAtTheSinksOwnRate) {
         EXPECT_EQ(ramp.first, 1) << channel;
         EXPECT_EQ(ramp.breaks, 0) << channel;
     }
-}
-
-TEST_P(PulseOutputTest, ListsDevices) {
-    startServer();
-    makeOutput();
-    ASSERT_TRUE(until([&] { return output->devices().size() == 2; }));
-    const QList<OutputDevice> devices = OutputDeviceManager::listOutputDevices(*output);
-    EXPECT_EQ(devices[0].uid, QStringLiteral("sink_a"));
-    EXPECT_EQ(devices[0].name, QStringLiteral("The-sink_a"));
-    EXPECT_EQ(OutputDeviceManager::deviceID(*output, QStringLiteral("sink_b")), devices[1].id);
-    EXPECT_EQ(OutputDeviceManager::deviceID(*output, QStringLiteral("sink")), std::nullopt);
 }
 
 TEST_P(PulseOutputTest, ADefaultOfAnotherFormatNeedsANewStream) {

@@ -1,7 +1,6 @@
 #include "Stream.h"
 #include "audio/rt/EqDesign.h"
 #include "audio/rt/EqUnit.h"
-#include "audio/rt/Mixer.h"
 #include "support/Spectrum.h"
 
 #include <gtest/gtest.h>
@@ -173,48 +172,6 @@ TEST(EqUnit, WideAndPortableCodeGiveTheSameSamples) {
     }
     for (std::size_t i = 0; i < outputs[0].size(); ++i)
         ASSERT_NEAR(outputs[0][i], outputs[1][i], 1e-6f) << i;
-}
-
-TEST(LinearUnits, AddNoDistortion) {
-    EqUnit eq(10);
-    const float gains[10] = {6, 4, -3, 2, -2, -6, -4, 2, 5, 6};
-    for (int i = 0; i < 10; ++i)
-        eq.setBand(i, graphicBand(i, gains[i]));
-    eq.setBypass(false);
-    Mixer mixer;
-    mixer.setVolume(0.7f);
-    for (Node* unit : std::initializer_list<Node*>{&eq, &mixer}) {
-        unit->prepare(format(48000));
-        Stream stream = Stream::ofMono(quorel::test::sine(0.89, 997, 48000, 96000));
-        run(*unit, stream);
-        EXPECT_LE(quorel::test::thdPlusNoiseDb(stream.left(48000), 48000, 997), -135);
-    }
-}
-
-TEST(EqUnit, RampsWithoutSplatterAndEndsTransparent) {
-    constexpr int kRate = 48000;
-    constexpr int kFrames = 1 << 15;
-    for (const float gain : {12.0f, -12.0f}) {
-        EqUnit eq(10);
-        prepareFlat(eq, kRate);
-        const double loud = gain > 0 ? 1.0 : 0.25; // the tone's greater amplitude
-        float target[10] = {};
-        target[5] = gain;
-        const float flat[10] = {};
-        const auto tone = quorel::test::sine(0.25, 997, kRate, 3 * kFrames);
-        Stream stream = Stream::ofMono(tone);
-        run(eq, stream,
-            {{10000, [&] { eq.rampGains(target, 8, 720); }},
-             {kFrames + 10000, [&] { eq.rampGains(flat, 8, 720); }}});
-        const auto out = stream.left();
-        for (const std::size_t part : {0, 1}) {
-            const std::span<const float> window(out.data() + part * kFrames, kFrames);
-            EXPECT_LE(quorel::test::splatterDb(window, kRate, 997, loud, 300), -88)
-                << gain << " part " << part;
-        }
-        for (std::size_t i = 2 * kFrames; i < out.size(); ++i)
-            ASSERT_EQ(out[i], tone[i]) << gain << ' ' << i;
-    }
 }
 
 TEST(EqUnit, TakesNewGainsAtOnceAndYetWithoutSplatter) {

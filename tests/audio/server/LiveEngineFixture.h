@@ -4,8 +4,6 @@
 #include "support/MadeFile.h"
 #include "support/SoundServerTest.h"
 
-#include <cmath>
-
 namespace quorel::test {
 
 /// The engine plays a ramp on a real sound server, whose capture tells frame by frame what arrived.
@@ -13,7 +11,6 @@ class LiveEngineTest : public SoundServerTest {
   protected:
     static constexpr int kRate = 48000;
     static constexpr int64_t kEdge = 960;
-
     static TrackToPlay trackOf(std::shared_ptr<AudioFile> file) {
         return {std::move(file), QUuid::createUuid(), 0, {}, 1.0};
     }
@@ -31,11 +28,8 @@ class LiveEngineTest : public SoundServerTest {
     static std::vector<int64_t> heard(const std::vector<float>& capture) {
         std::vector<int64_t> numbers;
         for (std::size_t i = 0; i < capture.size(); i += 2) {
-            if (capture[i] != 0.0F) {
-                numbers.push_back(std::llround(static_cast<double>(capture[i]) /
-                                               std::pow(10.0, -0.8 / 20.0) * 1048576.0) -
-                                  1);
-            }
+            if (capture[i] != 0.0F)
+                numbers.push_back(rampFrame(capture[i]));
         }
         return numbers;
     }

@@ -1,7 +1,6 @@
 // The whole way to the ear: engine, worker and output thread on real sound servers, what arrives
 // there captured and compared frame by frame.
 #include "LiveEngineFixture.h"
-#include "audio/OfflineRenderer.h"
 #include "support/ChildProcess.h"
 
 #include <cstdlib>
@@ -35,47 +34,6 @@ TEST_P(LiveEngine, everyFrameOfJoinedTracksArrivesOnce) {
     EXPECT_EQ(player.engine.outputCounts().underruns, 0);
 }
 
-TEST_P(LiveEngine, aCutRecordingComesThroughTheConverterAsIfUncut) {
-    constexpr int64_t frames = 132301;
-    constexpr int64_t cut = 60013;
-    const Samples whole = music(frames);
-    const auto piece = [&](int64_t from, int64_t to) {
-        return trackOf(std::make_shared<MadeFile>(44100, 2, part(whole, from, to)));
-    };
-    const auto captured = [&] {
-        Recorder recorder("sink_a");
-        LivePlayer player;
-        playAloud(player, recorder, piece(0, cut));
-        EXPECT_TRUE(player.engine.preloadNext(piece(cut, frames)));
-        EXPECT_TRUE(player.runUntil([&] { return player.ended == 1; }));
-        player.run(1000ms);
-        return recorder.samples();
-    };
-
-    OfflineRenderer uncut({kRate, rt::ChannelLayout::usual(2)});
-    ASSERT_FALSE(uncut.engine().load(piece(0, frames), 0));
-    Samples expected;
-    uncut.render(4 * kRate, expected);
-    // Both from their first sound to their last.
-    const auto sounding = [](Samples samples) {
-        const auto sounds = [](float sample) { return sample != 0.0F; };
-        samples.erase(std::find_if(samples.rbegin(), samples.rend(), sounds).base(), samples.end());
-        samples.erase(samples.begin(), std::ranges::find_if(samples, sounds));
-        return samples;
-    };
-    expected = sounding(expected);
-    Samples got = sounding(captured());
-    // A server that had to wait for a processor captures a block twice; what we do wrong comes
-    // back.
-    for (int again = 0; again < 2 && got.size() != expected.size(); ++again)
-        got = sounding(captured());
-    ASSERT_EQ(got.size(), expected.size());
-    float worst = 0;
-    for (std::size_t i = 0; i < got.size(); ++i)
-        worst = std::max(worst, std::abs(got[i] - expected[i]));
-    EXPECT_LT(worst, 1e-6F);
-}
-
 TEST_P(LiveEngine, anotherRateFollowsAfterAShortSilenceAndWhole) {
     Recorder recorder("sink_a");
     LivePlayer player;
@@ -99,32 +57,6 @@ TEST_P(LiveEngine, anotherRateFollowsAfterAShortSilenceAndWhole) {
     }
     EXPECT_LE(silence, kRate / 4);
     EXPECT_NEAR(static_cast<double>(second), kRate, 60) << "but for the converter's soft edges";
-}
-
-TEST_P(LiveEngine, pauseAndSeekComeOutAtTheFrameAskedFor) {
-    Recorder recorder("sink_a");
-    LivePlayer player;
-    playAloud(player, recorder, track(960000));
-    player.run(500ms);
-    player.engine.pause(0);
-    const auto paused = heardInAll(player, recorder);
-    player.run(500ms); // the output is halted by now
-    player.engine.resume(0);
-    ASSERT_TRUE(player.runUntil([&] { return recorder.latest() != 0.0F; }));
-    player.run(300ms);
-    const auto resumed = heard(recorder.samples());
-    // The edges scale the numbers, the frames between them tell where the music went on.
-    ASSERT_GT(resumed.size(), paused.size() + 2 * kEdge);
-    EXPECT_NEAR(static_cast<double>(resumed[paused.size() + kEdge + 100]),
-                static_cast<double>(paused.size()) + kEdge + 100, 2);
-    player.engine.seek(10.0);
-    player.run(500ms);
-    player.engine.stop(0);
-    const auto all = heardInAll(player, recorder);
-    const auto target = std::ranges::find(all, 480000 + kEdge);
-    ASSERT_NE(target, all.end());
-    EXPECT_EQ(*(target + 4000), 480000 + kEdge + 4000);
-    EXPECT_LT(player.longestTurn, kWaited);
 }
 
 TEST_P(LiveEngine, goesOnFromTheLastHeardFrameAfterTheServerDied) {
@@ -152,19 +84,6 @@ TEST_P(LiveEngine, goesOnFromTheLastHeardFrameAfterTheServerDied) {
     const auto numbers = heard(recorder.samples());
     ASSERT_GT(numbers.size(), 3 * kEdge);
     EXPECT_NEAR(static_cast<double>(numbers[2 * kEdge] - 2 * kEdge), held * kRate, 8192);
-    EXPECT_LT(player.longestTurn, kWaited);
-}
-
-TEST_P(LiveEngine, withoutAServerItWaitsAndThenPlays) {
-    server->kill();
-    LivePlayer player;
-    ASSERT_FALSE(player.engine.load(track(96000), 0));
-    player.run(700ms);
-    EXPECT_FALSE(player.engine.isOutputOpen());
-    EXPECT_FALSE(player.engine.outputNotice().isEmpty());
-    EXPECT_EQ(player.engine.currentTime(), 0);
-    server->start();
-    ASSERT_TRUE(player.runUntil([&] { return player.ended == 1; }));
     EXPECT_LT(player.longestTurn, kWaited);
 }
 

@@ -123,45 +123,6 @@ TEST(MetadataReader, TagsThatEncodersWrite) {
     }
 }
 
-// What real programs wrote, with what other readers say of it.
-TEST(MetadataReader, TagsOfTheCorpus) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"tests/data/itunes10.mp3",
-         R"~({"album":"Album","albumArtist":"Album Artist","artist":"Artist","comment":"Comments",)~"
-         R"~("composer":"Composer","discNumber":1,"discTotal":2,"genre":"Heavy Metal",)~"
-         R"~("title":"iTunes10MP3","trackNumber":1,"trackTotal":10,"year":"2011"})~"},
-        {"samples/utf16be.mp3",
-         R"~({"album":"party mix","artist":"The B52s","genre":"(17)","title":"52-girls",)~"
-         R"~("trackNumber":6,"year":"1981"})~"},
-        {"samples/sample_v2_3_ext_header.mp3",
-         R"~({"album":"Album v2","artist":"Interpret v2","discNumber":2,"title":"Title v2",)~"
-         R"~("trackNumber":2,"year":"2002"})~"},
-        {"samples/id3_comment_utf_16_double_bom.mp3",
-         R"~({"album":"The Embrace","artist":"Johannes Heil & D.Diggler","comment":"Unclear",)~"
-         R"~("title":"The Embrace (Romano Alfieri Remix)","year":"2012"})~"},
-        {"rsrc/full.aiff",
-         R"~({"album":"the album","albumArtist":"the album artist","artist":"the artist",)~"
-         R"~("comment":"the comments","composer":"the composer","discNumber":4,"discTotal":5,)~"
-         R"~("genre":"the genre","title":"full","trackNumber":2,"trackTotal":3,"year":"2001"})~"},
-        {"samples/test-tagged.wav",
-         R"~({"album":"thealbum","artist":"theartisst","comment":"hello","genre":"Acid",)~"
-         R"~("title":"thetitle","trackNumber":66,"year":"2014"})~"},
-        {"tests/data/ape.mp3", R"~({"title":"Title"})~"},
-        {"resources/v1tag.mp3",
-         R"~({"album":"ALBUM1234567890123456789012345","artist":"ARTIST123456789012345678901234",)~"
-         R"~("title":"TITLE1234567890123456789012345"})~"},
-    };
-    const std::vector<std::string> files = corpusFiles();
-    if (files.empty())
-        GTEST_SKIP() << "no corpus beside the project";
-    for (const auto& [name, tags] : cases) {
-        const auto file = std::ranges::find_if(
-            files, [&name = name](const auto& path) { return path.ends_with(name); });
-        ASSERT_NE(file, files.end()) << name;
-        EXPECT_EQ(tagsIn(*file), tags) << name;
-    }
-}
-
 // Whatever way length and rates are found, they are what playing the file would give.
 TEST(MetadataReader, SoundIsAsPlayed) {
     std::vector<std::string> paths = corpusFiles();
@@ -205,17 +166,6 @@ TEST(MetadataReader, SurvivesWhateverAFileHolds) {
         GTEST_SKIP() << "neither a corpus nor what scripts/make-audio-matrix makes";
     readMutations(seeds, 2 * kPatience,
                   [](const auto& path) { return readPath(path).duration.has_value(); });
-}
-
-TEST(MetadataJson, NamesAllFieldsAndLeavesOutAbsentOnes) {
-    const QString x = QStringLiteral("x");
-    const TrackMetadata full{1.5, x, x, x, x, x, x, 1, 2, 3, 4, x, x, 320, 44100};
-    const QJsonObject object = cli::toJson(full);
-    EXPECT_EQ(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString(),
-              R"~({"album":"x","albumArtist":"x","artist":"x","bitrateKbps":320,"comment":"x",)~"
-              R"~("composer":"x","discNumber":3,"discTotal":4,"duration":1.5,"genre":"x",)~"
-              R"~("sampleRateHz":44100,"title":"x","trackNumber":1,"trackTotal":2,"year":"x"})~");
-    EXPECT_TRUE(cli::toJson({}).isEmpty());
 }
 
 } // namespace

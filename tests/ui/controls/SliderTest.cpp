@@ -1,11 +1,10 @@
 #include "Window.h"
+#include "ui/Painted.h"
 #include "ui/controls/Sliders.h"
 
 #include <gmock/gmock.h>
 
-#include <QAccessible>
 #include <QApplication>
-#include <QPaintEvent>
 #include <QWheelEvent>
 #include <memory>
 
@@ -83,43 +82,20 @@ struct Slider {
 
 } // namespace
 
-/// What is painted from now on.
-class Painted : public QObject {
-  public:
-    explicit Painted(QWidget& widget) {
-        QCoreApplication::processEvents();
-        widget.installEventFilter(this);
-    }
-    QRect take() {
-        QCoreApplication::processEvents();
-        return std::exchange(area_, QRect());
-    }
-
-  protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint)
-            area_ |= static_cast<QPaintEvent*>(event)->rect();
-        return false;
-    }
-
-  private:
-    QRect area_;
-};
-
 TEST(ValueSlider, RepaintsWhereItsHandleMovedAndNoMore) {
     for (const double scale : {1.0, 1.5}) {
         const Slider fixture(Fill, 0.5, scale);
         ASSERT_TRUE(QTest::qWaitForWindowExposed(fixture.slider->window()));
-        Painted painted(*fixture.slider);
+        test::Painted painted(*fixture.slider);
         fixture.slider->setValue(0.6);
-        const QRect moved = painted.take();
+        const QRect moved = painted.takeArea();
         EXPECT_TRUE(moved.contains(fixture.at(0.5)) && moved.contains(fixture.at(0.6)));
         EXPECT_LT(moved.width(), px(50));
 
         fixture.slider->setValue(0.6 + 0.06 / 200);
-        EXPECT_TRUE(painted.take().isEmpty()) << "less than can be seen";
+        EXPECT_TRUE(painted.takeArea().isEmpty()) << "less than can be seen";
         fixture.slider->setValue(0.6 + 0.12 / 200);
-        EXPECT_FALSE(painted.take().isEmpty()) << "steps too small to be seen add up";
+        EXPECT_FALSE(painted.takeArea().isEmpty()) << "steps too small to be seen add up";
     }
 }
 
@@ -230,23 +206,4 @@ TEST(Slider, ADragIsCutOffWhenTheSliderGoesAway) {
         test.release(0.5);
         EXPECT_THAT(test.log, ElementsAre("begin", "50", "cut off"));
     }
-}
-
-TEST(Slider, TellsAssistiveTechnologiesItsValue) {
-    Slider test(Pan, -0.35);
-    test.slider->setAccessibleName(QStringLiteral("Balance"));
-    test.slider->setValueText([](double value) { return QStringLiteral("L%1").arg(value * -100); });
-    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(test.slider.get());
-    ASSERT_NE(face, nullptr);
-    EXPECT_EQ(face->role(), QAccessible::Slider);
-    EXPECT_EQ(face->text(QAccessible::Name), QStringLiteral("Balance"));
-    EXPECT_EQ(face->text(QAccessible::Value), QStringLiteral("L35"));
-    EXPECT_TRUE(face->state().focusable);
-    QAccessibleValueInterface* value = face->valueInterface();
-    ASSERT_NE(value, nullptr);
-    EXPECT_EQ(value->currentValue().toDouble(), -0.35);
-    EXPECT_EQ(value->minimumValue().toDouble(), -1);
-    EXPECT_EQ(value->maximumValue().toDouble(), 1);
-    value->setCurrentValue(5.0);
-    EXPECT_THAT(test.log, ElementsAre("begin", "100", "end"));
 }

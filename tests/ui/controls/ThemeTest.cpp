@@ -43,16 +43,6 @@ TEST(Icons, EveryOneIsDrawnInItsColour) {
     }
 }
 
-TEST(Icons, AreKeptForEachSizeColourAndRatio) {
-    const auto key = [](double size, QColor colour, double ratio) {
-        return iconPixmap(Icon::Play, size, colour, ratio).cacheKey();
-    };
-    EXPECT_EQ(key(24, Theme::text, 1), key(24, Theme::text, 1));
-    EXPECT_NE(key(24, Theme::text, 1), key(24, Theme::green, 1));
-    EXPECT_NE(key(24, Theme::text, 1), key(12, Theme::text, 2));
-    EXPECT_EQ(iconPixmap(Icon::Play, 20, Theme::text, 1.5).deviceIndependentSize(), QSizeF(20, 20));
-}
-
 TEST(Surfaces, EdgesFallOnWholePixels) {
     for (const double scale : {0.5, 0.85, 1.0, 1.5, 2.25}) {
         QImage image(200, 200, QImage::Format_ARGB32_Premultiplied);
@@ -97,15 +87,6 @@ TEST(Interface, EverythingHasTheSizeOfTheScale) {
     }
     setInterfaceScale(1);
     EXPECT_EQ(heights(), plain);
-}
-
-TEST(Interface, IsDarkAndLegible) {
-    const QPalette palette = QApplication::palette();
-    for (const auto role :
-         {QPalette::Window, QPalette::Base, QPalette::Button, QPalette::ToolTipBase})
-        EXPECT_LT(palette.color(role).lightness(), 70) << role;
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        EXPECT_GT(palette.color(role).lightness(), 180) << role;
 }
 
 TEST(Interface, AScrollBarsThumbGoesFromEndToEnd) {

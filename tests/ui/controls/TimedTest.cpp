@@ -1,21 +1,13 @@
 #include "Window.h"
 #include "core/ManualClock.h"
+#include "ui/Painted.h"
 #include "ui/controls/FloatingValueLabel.h"
 #include "ui/controls/MarqueeLabel.h"
-#include "ui/theme/Motion.h"
 
 using namespace quorel;
 using namespace std::chrono_literals;
 
 namespace {
-
-struct RepaintCount final : QObject {
-    bool eventFilter(QObject*, QEvent* event) override {
-        paints += event->type() == QEvent::Paint;
-        return false;
-    }
-    int paints = 0;
-};
 
 const QString kLong = QStringLiteral("A title that is far too long for the display it stands in");
 
@@ -101,13 +93,10 @@ TEST(MarqueeLabel, RestsWithoutNeed) {
         label.setText(row.isLong ? kLong : QStringLiteral("Short"));
         label.setHidden(row.hidden);
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-        QApplication::processEvents();
-        RepaintCount count;
-        label.installEventFilter(&count);
+        test::Painted painted(label);
         clock.advance(10s);
-        QApplication::processEvents();
         EXPECT_EQ(clock.nextDeadline(), std::nullopt) << row.name;
-        EXPECT_EQ(count.paints, 0) << row.name;
+        EXPECT_EQ(painted.takeTimes(), 0) << row.name;
         EXPECT_FALSE(label.isMoving()) << row.name;
     }
     qputenv("QUOREL_REDUCED_MOTION", "0");

@@ -104,31 +104,23 @@ TEST(Texts, Gain) {
 }
 
 TEST(Texts, FlagsOfTheStatusLine) {
-    AppSettings all;
-    all.trimSilence = all.normalize = all.compOn = all.loudness = all.shuffle = true;
-    const struct {
-        bool AppSettings::*fade;
-        CharacterFX character;
-        PlaybackMode mode;
-        const char* text;
-    } kCases[] = {
-        {&AppSettings::fadePlayOn, CharacterFX::Tape, PlaybackMode::All,
-         "GAPLESS TRIM FADE NORM COMP TAPE LOUD REPEAT SHUFFLE"},
-        {&AppSettings::fadePauseOn, CharacterFX::Vinyl, PlaybackMode::One,
-         "GAPLESS TRIM FADE NORM COMP VINYL LOUD REPEAT-1 SHUFFLE"},
-        {&AppSettings::fadeStopOn, CharacterFX::Off, PlaybackMode::StopAfter,
-         "GAPLESS TRIM FADE NORM COMP LOUD AUTO-STOP SHUFFLE"},
-        {&AppSettings::fadeChangeOn, CharacterFX::Off, PlaybackMode::Normal,
-         "GAPLESS TRIM FADE NORM COMP LOUD SHUFFLE"},
+    using S = AppSettings;
+    const std::tuple<bool S::*, CharacterFX, PlaybackMode, std::string> kCases[] = {
+        {&S::fadePlayOn, CharacterFX::Tape, PlaybackMode::All, "TAPE LOUD REPEAT "},
+        {&S::fadePauseOn, CharacterFX::Vinyl, PlaybackMode::One, "VINYL LOUD REPEAT-1 "},
+        {&S::fadeStopOn, CharacterFX::Off, PlaybackMode::StopAfter, "LOUD AUTO-STOP "},
+        {&S::fadeChangeOn, CharacterFX::Off, PlaybackMode::Normal, "LOUD "},
     };
-    for (const auto& row : kCases) {
-        AppSettings settings = all;
-        settings.*row.fade = true;
-        settings.charFx = row.character;
-        settings.pbMode = row.mode;
-        EXPECT_EQ(statusFlags(settings).join(u' ').toStdString(), row.text);
+    for (const auto& [fade, character, mode, flags] : kCases) {
+        S all;
+        all.trimSilence = all.normalize = all.compOn = all.loudness = all.shuffle = true;
+        all.*fade = true;
+        all.charFx = character;
+        all.pbMode = mode;
+        EXPECT_EQ(statusFlags(all).join(u' ').toStdString(),
+                  "GAPLESS TRIM FADE NORM COMP " + flags + "SHUFFLE");
     }
-    AppSettings none;
+    S none;
     none.gapless = false;
     EXPECT_EQ(statusFlags(none), QStringList());
 }

@@ -99,5 +99,32 @@ TEST(Units, BlockSizesDoNotChangeASingleBit) {
         }
 }
 
+TEST(Mixer, BalancesAndScalesExactly) {
+    struct {
+        float volume, pan, left, right;
+    } const rows[] = {{1, 0, 1, 1},
+                      {0.5f, 0, 0.5f, 0.5f},
+                      {1, -1, 1, 0},
+                      {1, 0.25f, 0.75f, 1},
+                      {0.5f, -0.5f, 0.5f, 0.25f},
+                      {0, 0, 0, 0},
+                      {1, 7, 0, 1},
+                      {-1, 0, 0, 0}};
+    const Stream input = Stream::noise(2, 1000, 0.3f);
+    for (const auto& row : rows) {
+        Mixer mixer;
+        mixer.setVolume(row.volume);
+        mixer.setPan(row.pan);
+        mixer.prepare(format(48000, 4));
+        Stream output = input;
+        run(mixer, output);
+        for (std::size_t p = 0; p < 2; ++p)
+            for (std::size_t i = 0; i < 2000; i += 2) {
+                ASSERT_EQ(output.pairs[p][i], input.pairs[p][i] * row.left) << row.pan;
+                ASSERT_EQ(output.pairs[p][i + 1], input.pairs[p][i + 1] * row.right) << row.pan;
+            }
+    }
+}
+
 } // namespace
 } // namespace quorel::rt::test

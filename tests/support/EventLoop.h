@@ -8,13 +8,19 @@
 
 namespace quorel::test {
 
-/// Runs the event loop until the condition holds; false when it does not in time.
-inline bool spinUntil(const std::function<bool()>& condition,
-                      std::chrono::milliseconds longest = std::chrono::seconds(10)) {
+/// Made when it is first asked for.
+inline QCoreApplication& application() {
     static int argc = 1;
     static char name[] = "test";
     static char* argv[] = {name, nullptr};
     static QCoreApplication app(argc, argv);
+    return app;
+}
+
+/// Runs the event loop until the condition holds; false when it does not in time.
+inline bool spinUntil(const std::function<bool()>& condition,
+                      std::chrono::milliseconds longest = std::chrono::seconds(20)) {
+    application();
     for (const QDeadlineTimer deadline(longest); !condition();) {
         if (deadline.hasExpired())
             return false;

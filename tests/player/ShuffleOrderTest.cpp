@@ -1,5 +1,6 @@
+#include "player/ShuffleOrder.h"
+
 #include "player/MadeList.h"
-#include "player/TransportPlanner.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,6 @@ using namespace quorel::test;
 
 namespace {
 
-using Mode = PlaybackMode;
-
 ShuffleOrder seededOrder(quint64 seed) {
     return ShuffleOrder([random = std::mt19937_64(seed)]() mutable { return random(); });
 }
@@ -23,122 +22,7 @@ std::optional<QUuid> maybeId(char letter) {
     return letter == '-' ? std::nullopt : std::optional(idOf(letter));
 }
 
-/// The letter of the track to be played, '!' to stop, '<' to seek to the start, '-' for nothing.
-char codeOf(const TransportStep& step) {
-    using Action = TransportStep::Action;
-    if (step.action == Action::Play)
-        return letterOf(step.track);
-    return step.action == Action::Stop ? '!' : step.action == Action::SeekToStart ? '<' : '-';
-}
-
-/// Goes on from the cursor until a track plays that is not missing; the letters tried, then '!' for
-/// a stop.
-std::string tryUntilOnePlays(const TrackList& list, ShuffleOrder& order, Mode mode, bool shuffle,
-                             char cursor, std::string_view missing) {
-    IdSet failed;
-    std::string tried;
-    while (true) {
-        const TransportContext context{mode, shuffle, &list, maybeId(cursor),
-                                       {},   {},      order, failed};
-        const TransportStep step = planNext(context, true);
-        if (step.action != TransportStep::Action::Play)
-            return tried + codeOf(step);
-        if (step.order == TransportStep::Order::Takes)
-            order.take(step.track, list, context.cursor);
-        cursor = letterOf(step.track);
-        tried += cursor;
-        if (missing.find(cursor) == std::string_view::npos)
-            return tried;
-        if (!failed.insert(step.track))
-            return tried + " twice";
-    }
-}
-
 } // namespace
-
-TEST(TransportPlanner, nextInListOrder) {
-    using Row = std::optional<qsizetype>;
-    // List, cursor; what follows by itself and by the user, in the order of the modes; what is
-    // planned already, and where a playing track stood that is gone.
-    const std::tuple<std::string_view, char, std::string, std::string, char, Row> kCases[] = {
-        {"ABC", 'A', "B!AB", "BBBB", '-', {}}, {"ABC", 'C', "!!CA", "!!!A", '-', {}},
-        {"A", 'A', "!!AA", "!!!A", '-', {}},   {"", 'A', "!!!!", "!!!!", '-', {}},
-        {"ABC", '-', "A!AA", "AAAA", '-', {}}, {"ABC", 'A', "C!AC", "CCCC", 'C', {}},
-        {"ABC", 'A', "B!AB", "BBBB", 'X', {}}, {"ABC", 'X', "B!BB", "BBBB", '-', 1},
-        {"ABC", 'X', "!!!A", "!!!A", '-', 3},  {"ABC", 'A', "B!AB", "BBBB", '-', 0},
-    };
-    const ShuffleOrder order = seededOrder(1);
-    const IdSet none;
-    for (const auto& [letters, cursor, automatic, byUser, planned, orphanNext] : kCases) {
-        const TrackList list = listOf(letters);
-        std::string steps;
-        std::string userSteps;
-        for (const Mode mode : kAllCases<Mode>) {
-            const TransportContext context{
-                mode, false, &list, maybeId(cursor), maybeId(planned), orphanNext, order, none};
-            steps += codeOf(planNext(context, true));
-            userSteps += codeOf(planNext(context, false));
-            const char following = letterOf(planFollowing(context));
-            EXPECT_TRUE(planned == 'C' || steps.back() == (following == '-' ? '!' : following));
-        }
-        EXPECT_EQ(steps, automatic) << letters << cursor;
-        EXPECT_EQ(userSteps, byUser) << letters << cursor;
-    }
-    EXPECT_EQ(codeOf(planNext({.order = order, .failed = none}, true)), '-');
-}
-
-TEST(TransportPlanner, previous) {
-    using Row = std::optional<qsizetype>;
-    // List, cursor, position; what comes before in the list and in an order that begins with A and,
-    // where it was taken, goes on with the next letter; where a playing track stood that is gone.
-    const std::tuple<std::string_view, char, double, char, char, char, Row> kCases[] = {
-        {"ABC", 'B', 4.5, '<', '<', 'B', {}}, {"ABC", 'B', 4.0, 'A', 'A', 'B', {}},
-        {"ABC", 'C', 3.9, 'B', 'A', 'C', {}}, {"ABC", 'A', 3.9, 'A', 'A', '-', {}},
-        {"", 'A', 3.9, '!', '!', '-', {}},    {"ABC", '-', 0, 'A', '-', '-', {}},
-        {"ABC", 'X', 1, 'B', '<', '-', 2},    {"ABC", 'X', 1, 'A', '<', '-', 0},
-        {"ABC", 'X', 1, 'C', '<', '-', 9},
-    };
-    const IdSet none;
-    for (const auto& [letters, cursor, position, listed, shuffled, taken, orphanNext] : kCases) {
-        const TrackList list = listOf(letters);
-        ShuffleOrder order = seededOrder(7);
-        order.start(list, idOf('A'));
-        if (taken != '-')
-            order.take(idOf(taken), list, idOf('A'));
-        for (const bool shuffle : {false, true}) {
-            const TransportContext context{Mode::All, shuffle,    &list, maybeId(cursor),
-                                           {},        orphanNext, order, none};
-            EXPECT_EQ(codeOf(planPrevious(context, position)), shuffle ? shuffled : listed)
-                << letters << cursor << position;
-        }
-    }
-}
-
-TEST(TransportPlanner, passesOverWhatCannotBePlayed) {
-    const std::tuple<Mode, char, std::string_view, std::string> kCases[] = {
-        {Mode::Normal, 'A', "BC", "BCD"},  {Mode::Normal, 'A', "BCD", "BCD!"},
-        {Mode::StopAfter, 'A', "B", "!"},  {Mode::One, 'B', "B", "BC"},
-        {Mode::One, 'B', "BCD", "BCD!"},   {Mode::All, 'C', "DAB", "DABC"},
-        {Mode::All, 'C', "ABCD", "DABC!"}, {Mode::All, 'D', "ABCD", "ABCD!"},
-    };
-    for (const auto& [mode, cursor, missing, tried] : kCases) {
-        const TrackList list = listOf("ABCD");
-        ShuffleOrder order = seededOrder(1);
-        EXPECT_EQ(tryUntilOnePlays(list, order, mode, false, cursor, missing), tried);
-    }
-    for (quint64 seed = 0; seed < 200; ++seed)
-        for (const Mode mode : kAllCases<Mode>) {
-            const TrackList list = listOf("ABCDE");
-            ShuffleOrder order = seededOrder(seed);
-            order.start(list, idOf('A'));
-            std::string tried = tryUntilOnePlays(list, order, mode, true, 'A', "ABCDE");
-            std::ranges::sort(tried);
-            const std::string kAll[] = {"!BCDE", "!", "!ABCDE", "!ABCDE"};
-            EXPECT_EQ(tried, kAll[static_cast<std::size_t>(mode)]);
-            tried = tryUntilOnePlays(list, order, Mode::All, true, 'A', "ABDE");
-            EXPECT_EQ(tried.back(), 'C') << tried;
-        }
-}
 
 TEST(ShuffleOrder, startsWithTheGivenTrack) {
     ShuffleOrder order = seededOrder(3);
