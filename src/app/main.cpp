@@ -6,10 +6,11 @@
 #include "storage/Persistence.h"
 #include "ui/theme/ApplyTheme.h"
 
+#include <fontconfig/fontconfig.h>
+
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
-#include <fontconfig/fontconfig.h>
 #include <future>
 
 using namespace quorel;
@@ -45,7 +46,7 @@ int main(int argc, char* argv[]) {
     }
     // Meanwhile Qt connects to the display.
     auto loading = std::async(std::launch::async, LoadedState::of, stateFile);
-    // The fonts' configuration is some sixty files, which the first text would read.
+    // The fonts' configuration is dozens of files, which the first text would read.
     const auto fonts = std::async(std::launch::async, ::FcInit);
     const QtMessageHandler usual = qInstallMessageHandler(sayWithoutDisplay);
     QApplication application(argc, argv);

@@ -19,6 +19,19 @@ bool isWellEncoded(const QByteArray& text) {
     return true;
 }
 
+/// The path in the next line that names one; `at` moves behind that line, or to the end.
+std::optional<QString> nextPath(const QByteArray& list, qsizetype& at) {
+    while (at < list.size()) {
+        const qsizetype found = list.indexOf('\n', at);
+        const qsizetype end = found < 0 ? list.size() : found;
+        const QByteArray line = list.sliced(at, end - at).trimmed();
+        at = end + 1;
+        if (auto path = pathOfFileUri(QString::fromUtf8(line)))
+            return path;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 QString fileUri(const QString& path) {
@@ -49,10 +62,15 @@ std::optional<QString> pathOfFileUri(const QString& uri) {
 
 QStringList pathsOfUriList(const QByteArray& list) {
     QStringList paths;
-    for (const QByteArray& line : list.split('\n'))
-        if (const auto path = pathOfFileUri(QString::fromUtf8(line.trimmed())))
-            paths += *path;
+    qsizetype at = 0;
+    while (const auto path = nextPath(list, at))
+        paths += *path;
     return paths;
+}
+
+bool namesFiles(const QByteArray& list) {
+    qsizetype at = 0;
+    return nextPath(list, at).has_value();
 }
 
 } // namespace quorel

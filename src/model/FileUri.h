@@ -16,5 +16,7 @@ std::optional<QString> pathOfFileUri(const QString& uri);
 /// The paths that a list of URIs names (text/uri-list: one a line), in its order; lines that name
 /// none are passed over. Any thread.
 QStringList pathsOfUriList(const QByteArray& list);
+/// Whether there are any; looks no further than to the first.
+bool namesFiles(const QByteArray& list);
 
 } // namespace quorel

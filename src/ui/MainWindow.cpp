@@ -218,8 +218,8 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    event->acceptProposedAction();
-    addDropped(player_, *event->mimeData(), {});
+    if (addDropped(player_, *event->mimeData(), {}))
+        event->acceptProposedAction();
 }
 
 } // namespace quorel

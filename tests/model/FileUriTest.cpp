@@ -34,6 +34,8 @@ TEST(FileUri, areFoundInAListOfThem) {
               (QStringList{QStringLiteral("/b.mp3"), QStringLiteral("/a b.mp3"),
                            QStringLiteral("/b.mp3")}));
     EXPECT_EQ(pathsOfUriList(""), QStringList());
+    EXPECT_TRUE(namesFiles("http://host/c.mp3\r\nfile:///b.mp3"));
+    EXPECT_FALSE(namesFiles("http://host/c.mp3\r\n"));
 }
 
 TEST(FileUri, ofAnotherKindOrMachineIsNone) {

@@ -70,12 +70,12 @@ TEST(SoundingSoak, RealEngineInRealTime) {
     application();
     QtClock clock;
     const QString stateFile = pathFromBytes(folder.path("state.json"));
-    auto player = std::make_unique<PlayerController>(PlayerParts{
-        .clock = clock,
-        .engine = std::make_unique<AudioEngine>(clock, std::make_unique<NullOutput>(clock),
-                                                SourceWorker::Mode::Threaded),
-        .stateFile = stateFile,
-        .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
+    auto player = std::make_unique<PlayerController>(
+        PlayerParts{.clock = clock,
+                    .engine = std::make_unique<AudioEngine>(
+                        clock, std::make_unique<NullOutput>(clock), SourceWorker::Mode::Threaded),
+                    .stateFile = stateFile,
+                    .random = [random = std::mt19937_64(3)]() mutable { return random(); }});
     player->start(false);
     const auto pass = [&clock](double seconds) {
         const auto end = clock.now() + std::chrono::nanoseconds(std::llround(seconds * 1e9));

@@ -13,6 +13,20 @@ QString uriList() {
     return QStringLiteral("text/uri-list");
 }
 
+void addRows(PlayerController& player, const QStringList& paths, const ImportTarget& target) {
+    switch (target.kind) {
+    case ImportTarget::Kind::Playlist:
+        player.addFiles(paths, target.playlist);
+        break;
+    case ImportTarget::Kind::Gap:
+        player.insertFiles(paths, target.row);
+        break;
+    case ImportTarget::Kind::NewPlaylist:
+        player.newPlaylist(paths);
+        break;
+    }
+}
+
 } // namespace
 
 DraggedTracks::DraggedTracks(const QUuid& playlist, QList<QUuid> tracks, QStringList paths)
@@ -42,23 +56,16 @@ bool hasFiles(const QMimeData& dragged) {
     return dragged.hasFormat(uriList());
 }
 
-void addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target) {
-    const auto* const rows = qobject_cast<const DraggedTracks*>(&dropped);
-    if (!rows) {
-        player.importUriList(dropped.data(uriList()), target);
-        return;
+bool addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target) {
+    if (const auto* const rows = qobject_cast<const DraggedTracks*>(&dropped)) {
+        addRows(player, rows->paths(), target);
+        return true;
     }
-    switch (target.kind) {
-    case ImportTarget::Kind::Playlist:
-        player.addFiles(rows->paths(), target.playlist);
-        break;
-    case ImportTarget::Kind::Gap:
-        player.insertFiles(rows->paths(), target.row);
-        break;
-    case ImportTarget::Kind::NewPlaylist:
-        player.newPlaylist(rows->paths());
-        break;
-    }
+    const QByteArray list = dropped.data(uriList());
+    if (!namesFiles(list))
+        return false;
+    player.importUriList(list, target);
+    return true;
 }
 
 } // namespace quorel

@@ -51,7 +51,7 @@ class DraggedPlaylist final : public QMimeData {
 bool hasFiles(const QMimeData& dragged);
 
 /// Adds what was dropped there, where a gap is one of the active playlist. Files are collected
-/// first; rows from another playlist come as they stand there.
-void addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target);
+/// first; rows from another playlist come as they stand there. False where there is nothing to add.
+bool addDropped(PlayerController& player, const QMimeData& dropped, const ImportTarget& target);
 
 } // namespace quorel

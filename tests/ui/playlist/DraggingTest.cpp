@@ -1,5 +1,6 @@
 // What is dragged over and dropped on the list and the tabs.
 #include "AreaFixture.h"
+#include "model/FileUri.h"
 #include "ui/theme/Theme.h"
 
 namespace quorel::test {
