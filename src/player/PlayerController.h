@@ -146,6 +146,8 @@ class PlayerController : public QObject {
 
     /// Rewrites the file's tag; waits for the disk.
     std::optional<Error> saveTags(const QUuid& trackID, const ID3Writer::Tags& tags);
+    /// Tells later how many frames of the track's old tag saveTags would leave out.
+    void countFramesDropped(const QUuid& trackID, std::function<void(qint64)> done);
     void loadMissingMetadata();
     void recomputeBPM(const QUuid& trackID);
     void clearTrimCache();

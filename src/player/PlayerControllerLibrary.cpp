@@ -293,6 +293,18 @@ std::optional<Error> PlayerController::saveTags(const QUuid& trackID, const ID3W
     return std::nullopt;
 }
 
+void PlayerController::countFramesDropped(const QUuid& trackID, std::function<void(qint64)> done) {
+    const auto place = core_->placeOf(trackID);
+    if (!place)
+        return;
+    core_->files.post(
+        SerialQueue::Priority::Ordinary,
+        [path = place->list->tracks().at(place->row).path](const std::stop_token&) {
+            return ID3Writer::framesDropped(path);
+        },
+        std::move(done));
+}
+
 void PlayerController::loadMissingMetadata() {
     const Core::Operation operation(*core_);
     core_->loader.load();

@@ -9,6 +9,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
@@ -91,10 +92,13 @@ TagEditorView::TagEditorView(PlayerController& player, const QUuid& track, QWidg
     column->addWidget(heading);
     column->addSpacing(px(4));
     column->addLayout(form_);
-    const Track* const known = findTrack(player, track);
-    addFoot(*column, known ? ID3Writer::framesDropped(known->path) : 0);
-    if (known)
+    addFoot(*column);
+    if (const Track* const known = findTrack(player, track))
         fill(tagsOf(*known));
+    player.countFramesDropped(track, [view = QPointer(this)](qint64 frames) {
+        if (view)
+            view->tellDropped(frames);
+    });
     error_->clear();
     setMinimumWidth(px(440));
     texts_.first().field->setFocus();
@@ -143,18 +147,14 @@ void TagEditorView::addNumbers(const QString& label, Number Tags::*number, const
     addRow(label, pair, first);
 }
 
-void TagEditorView::addFoot(QBoxLayout& column, qint64 dropped) {
+void TagEditorView::addFoot(QBoxLayout& column) {
     auto* const lines = new QWidget(this);
     lines->setMinimumHeight(px(52)); // so that below the genre there is room for its list
     auto* const stack = new QVBoxLayout(lines);
     stack->setContentsMargins(0, 0, 0, 0);
-    if (dropped > 0)
-        stack->addWidget(makeLine(
-            dropped == 1 ? tr("Saving removes 1 other entry of the old tag, such as a picture.")
-                         : tr("Saving removes %1 other entries of the old tag, such as pictures, "
-                              "lyrics or gains.")
-                               .arg(dropped),
-            Theme::textDim, this));
+    dropped_ = makeLine({}, Theme::textDim, this);
+    dropped_->hide();
+    stack->addWidget(dropped_);
     error_ = makeLine({}, Theme::danger, this);
     stack->addWidget(error_);
     stack->addStretch(1);
@@ -167,6 +167,17 @@ void TagEditorView::addFoot(QBoxLayout& column, qint64 dropped) {
     connect(buttons, &QDialogButtonBox::accepted, this, &TagEditorView::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &TagEditorView::reject);
     column.addWidget(buttons);
+}
+
+void TagEditorView::tellDropped(qint64 frames) {
+    if (frames == 0)
+        return;
+    dropped_->setText(frames == 1
+                          ? tr("Saving removes 1 other entry of the old tag, such as a picture.")
+                          : tr("Saving removes %1 other entries of the old tag, such as pictures, "
+                               "lyrics or gains.")
+                                .arg(frames));
+    dropped_->show();
 }
 
 void TagEditorView::fill(const Tags& tags) {

@@ -35,7 +35,8 @@ class TagEditorView final : public QDialog {
     QLineEdit* makeNumber(const QString& name, Number Tags::*number);
     void addNumbers(const QString& label, Number Tags::*number, const QString& totalName,
                     Number Tags::*total);
-    void addFoot(QBoxLayout& column, qint64 dropped);
+    void addFoot(QBoxLayout& column);
+    void tellDropped(qint64 frames);
     void fill(const Tags& tags);
     Tags typed() const;
     void edited();
@@ -51,6 +52,7 @@ class TagEditorView final : public QDialog {
     QGridLayout* const form_;
     QList<Bound<QString>> texts_;
     QList<Bound<Number>> numbers_;
+    QLabel* dropped_ = nullptr;
     QLabel* error_ = nullptr;
     QPushButton* save_ = nullptr;
 };

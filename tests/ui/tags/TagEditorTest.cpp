@@ -33,6 +33,7 @@ class TagEditorTest : public ControllerTest {
         launch();
         view = std::make_unique<TagEditorView>(*controller, track.id, nullptr);
         view->show();
+        settle();
         return *view;
     }
     QLineEdit& field(const char* name) const {
