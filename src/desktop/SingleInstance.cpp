@@ -23,7 +23,6 @@ namespace {
 using Steady = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kPatience{2000};
 constexpr milliseconds kPause{10}; // between two attempts
 constexpr char kTaken = 1;         // the answer to what was handed over
 
@@ -92,13 +91,14 @@ void SingleInstance::listen() {
     socketFile_.clear();
 }
 
-bool SingleInstance::handOver(const QStringList& paths, const QByteArray& activationToken) {
+bool SingleInstance::handOver(const QStringList& paths, const QByteArray& activationToken,
+                              milliseconds patience) {
     HandOver handOver{{}, activationToken};
     for (const QString& path : paths)
         handOver.paths += pathFromBytes(absolutePath(pathToBytes(path), workingFolder()));
     const QByteArray message = messageOf(handOver);
 
-    const auto end = Steady::now() + kPatience;
+    const auto end = Steady::now() + patience;
     while (!isFirst_) {
         const auto left = std::chrono::duration_cast<milliseconds>(end - Steady::now());
         if (left <= milliseconds(0))

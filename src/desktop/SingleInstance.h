@@ -22,6 +22,9 @@ class SingleInstance : public QObject {
     Q_OBJECT
 
   public:
+    /// A first that is only just starting, from a slow disk, still gets the files.
+    static constexpr std::chrono::seconds kPatience{10};
+
     /// The state file need not be there, its folder must. Neither an application object nor an
     /// event loop is needed yet: those who come meanwhile wait for start().
     explicit SingleInstance(const QString& stateFile);
@@ -32,9 +35,10 @@ class SingleInstance : public QObject {
     bool canBeFound() const { return lock_.isOpen() && listener_.isOpen(); }
 
     /// Hands files over to the first. True when it has taken them. If not, then either it has ended
-    /// meanwhile and this is now the first, or it did not answer within two seconds. Relative paths
-    /// begin at the working folder.
-    bool handOver(const QStringList& paths, const QByteArray& activationToken);
+    /// meanwhile and this is now the first, or it did not answer in that time. Relative paths begin
+    /// at the working folder.
+    bool handOver(const QStringList& paths, const QByteArray& activationToken,
+                  std::chrono::milliseconds patience = kPatience);
 
     /// For the user, when the first does not answer.
     static QString noAnswerNotice();
